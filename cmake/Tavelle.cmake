@@ -1,0 +1,35 @@
+# What every target of the project shares.
+
+option(TAVELLE_TESTS "Build the tests" ON)
+option(TAVELLE_BENCH "Build the programs of ./bench" OFF)
+set(TAVELLE_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize= takes them: address,undefined or thread")
+
+find_program(CCACHE ccache)
+if(CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+endif()
+
+add_library(tavelle_options INTERFACE)
+target_compile_options(tavelle_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Wimplicit-fallthrough -Werror
+  # Symmetric transfer between coroutines needs the tail call in debug builds too, or a long loop of awaits grows the stack.
+  -foptimize-sibling-calls)
+target_include_directories(tavelle_options INTERFACE ${PROJECT_SOURCE_DIR})
+if(TAVELLE_SANITIZE)
+  target_compile_options(tavelle_options INTERFACE -fsanitize=${TAVELLE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(tavelle_options INTERFACE -fsanitize=${TAVELLE_SANITIZE})
+endif()
+
+# tavelle_layer(NAME SOURCES ... SEES ...): a layer's library, and the layers and libraries that it may include.
+function(tavelle_layer name)
+  cmake_parse_arguments(LAYER "" "" "SOURCES;SEES" ${ARGN})
+  if(LAYER_SOURCES)
+    add_library(tavelle_${name} STATIC ${LAYER_SOURCES})
+    target_link_libraries(tavelle_${name} PUBLIC ${LAYER_SEES} PRIVATE tavelle_options)
+    target_include_directories(tavelle_${name} PUBLIC ${PROJECT_SOURCE_DIR})
+  else()
+    add_library(tavelle_${name} INTERFACE)
+    target_link_libraries(tavelle_${name} INTERFACE ${LAYER_SEES})
+    target_include_directories(tavelle_${name} INTERFACE ${PROJECT_SOURCE_DIR})
+  endif()
+endfunction()
