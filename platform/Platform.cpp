@@ -1,0 +1,42 @@
+#include "platform/Platform.h"
+
+#include "platform/FatalError.h"
+#include "platform/Shared.h"
+
+#include <ranges>
+#include <utility>
+#include <vector>
+
+namespace tavelle {
+namespace {
+
+Platform* inUse = nullptr;
+
+std::vector<void (*)()>& endings() {
+  static std::vector<void (*)()> list;
+  return list;
+}
+
+}  // namespace
+
+Platform& Platform::current() {
+  if (!inUse) fatalError("no platform is in use");
+  return *inUse;
+}
+
+Platform::Use::Use(Platform& platform) {
+  if (inUse) fatalError("a platform is in use already");
+  inUse = &platform;
+}
+
+Platform::Use::~Use() {
+  const auto list = std::exchange(endings(), {});
+  for (auto* const forget : list | std::views::reverse) forget();
+  inUse = nullptr;
+}
+
+void detail::atPlatformEnd(void (*forget)()) {
+  endings().push_back(forget);
+}
+
+}  // namespace tavelle

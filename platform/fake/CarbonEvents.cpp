@@ -1,0 +1,79 @@
+#include "platform/fake/CarbonEvents.h"
+
+#include <cstring>
+
+namespace tavelle {
+namespace {
+
+// References are numbers in disguise: nothing is ever behind them.
+template <typename Ref>
+Ref refOf(std::uintptr_t number) {
+  return reinterpret_cast<Ref>(number);  // NOLINT(performance-no-int-to-ptr)
+}
+
+constexpr std::uintptr_t applicationTarget = 0xA9;
+constexpr std::uintptr_t installedHandler = 0x4A;
+
+}  // namespace
+
+EventTargetRef FakeCarbonEvents::getApplicationEventTarget() {
+  return refOf<EventTargetRef>(applicationTarget);
+}
+
+OSStatus FakeCarbonEvents::installEventHandler(EventTargetRef target, EventHandlerProc handler,
+                                               std::span<const EventTypeSpec> types, void* userData,
+                                               EventHandlerRef* out) {
+  if (target != getApplicationEventTarget() || types.size() != 1) return paramErr;
+  if (installStatus != noErr) return installStatus;
+  ++installedHandlers;
+  handler_ = handler;
+  handledType = types[0];
+  handlerUserData = userData;
+  *out = refOf<EventHandlerRef>(installedHandler);
+  return noErr;
+}
+
+OSStatus FakeCarbonEvents::registerEventHotKey(std::uint32_t keyCode, std::uint32_t modifiers, EventHotKeyID id,
+                                               EventTargetRef target, std::uint32_t options, EventHotKeyRef* out) {
+  if (target != getApplicationEventTarget()) return paramErr;
+  log_.add("registered " + std::to_string(id.id));
+  if (taken.contains(keyCode)) return eventHotKeyExistsErr;
+  *out = refOf<EventHotKeyRef>(nextRef_++);
+  hotKeys_.emplace(*out, HotKey{keyCode, modifiers, id, options});
+  return noErr;
+}
+
+OSStatus FakeCarbonEvents::unregisterEventHotKey(EventHotKeyRef hotKey) {
+  const auto found = hotKeys_.find(hotKey);
+  if (found == hotKeys_.end()) return paramErr;
+  log_.add("unregistered " + std::to_string(found->second.id.id));
+  hotKeys_.erase(found);
+  return noErr;
+}
+
+OSStatus FakeCarbonEvents::getEventParameter(EventRef event, std::uint32_t name, std::uint32_t type, std::size_t size,
+                                             void* out) {
+  if (parameterStatus != noErr) return parameterStatus;
+  if (name != kEventParamDirectObject || type != typeEventHotKeyID || size != sizeof(EventHotKeyID)) {
+    return eventParameterNotFoundErr;
+  }
+  std::memcpy(out, event, size);
+  return noErr;
+}
+
+OSStatus FakeCarbonEvents::press(std::uint32_t id) {
+  EventHotKeyID hotkey{.signature = 0, .id = id};
+  return handler_(nullptr, reinterpret_cast<EventRef>(&hotkey), handlerUserData);
+}
+
+OSStatus FakeCarbonEvents::callHandlerWithoutEvent() {
+  return handler_(nullptr, nullptr, handlerUserData);
+}
+
+std::map<std::uint32_t, FakeCarbonEvents::HotKey> FakeCarbonEvents::registered() const {
+  std::map<std::uint32_t, HotKey> byNumber;
+  for (const auto& [ref, hotKey] : hotKeys_) byNumber.emplace(hotKey.id.id, hotKey);
+  return byNumber;
+}
+
+}  // namespace tavelle
