@@ -1,0 +1,89 @@
+#include "llm/JSON.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <random>
+#include <string>
+
+namespace tavelle::tests {
+namespace {
+
+using namespace std::string_literals;
+
+std::string shortest(double number) {
+  char digits[32];
+  return {digits, std::to_chars(digits, digits + sizeof digits, number).ptr};
+}
+
+TEST(EncodeJSON, writesNumbersInTheirShortestForm) {
+  for (int hundredths = 0; hundredths <= 200; ++hundredths) {
+    const double temperature = hundredths / 100.0;
+    EXPECT_EQ(encodeJSON({temperature}), "[" + shortest(temperature) + "]");
+  }
+  EXPECT_EQ(encodeJSON({0.1 + 0.2}), "[0.30000000000000004]");
+}
+
+TEST(EncodeJSON, findsTheShortestFormWhereItIsHardToFind) {
+  std::mt19937_64 random{1};
+  for (int i = 0; i < 100'000; ++i) {
+    const double number = std::bit_cast<double>(random());
+    if (!std::isfinite(number)) continue;
+    const auto text = encodeJSON({number});
+    ASSERT_EQ(decodeJSON(text)[0].get<double>(), number) << text;
+    ASSERT_LE(text.size(), shortest(number).size() + 2) << text;
+  }
+}
+
+TEST(EncodeJSON, writesTheSameAsTheLibraryWhereThereAreNoNumbers) {
+  const JSON value = {{"b", {"x", nullptr, true, JSON::object(), JSON::array()}}, {"a \"quoted\" key", {{"n", -5}}}};
+  EXPECT_EQ(encodeJSON(value), value.dump());
+}
+
+TEST(EncodeJSON, writesWholeNumbersWithoutAFraction) {
+  EXPECT_EQ(encodeJSON({4096.0, -1.0, 0.0, 1e15}), "[4096,-1,0,1000000000000000]");
+}
+
+TEST(EncodeJSON, refusesWhatJSONCannotHold) {
+  EXPECT_THROW(encodeJSON({std::numeric_limits<double>::infinity()}), JSONError);
+  EXPECT_THROW(encodeJSON({std::numeric_limits<double>::quiet_NaN()}), JSONError);
+  EXPECT_THROW(encodeJSON({"\xFF"}), JSONError);
+}
+
+TEST(EncodeJSON, keepsEveryCharacterOfAText) {
+  const std::string text = "quotes \" \\ / \b\f\n\r\t\0\x01 é 😀 \u2028"s;
+  EXPECT_EQ(decodeJSON(encodeJSON({text}))[0].get<std::string>(), text);
+}
+
+TEST(DecodeJSON, wantsAnObjectOrAnArrayAtTheTop) {
+  EXPECT_EQ(decodeJSON("{}"), JSON::object());
+  EXPECT_EQ(decodeJSON(" [1] "), JSON::array({1}));
+  for (const char* text :
+       {"", "5", "\"text\"", "null", "true", "{", "[1,]", "{} {}", "<html>", "{'a':1}", "[\"\xFF\"]"}) {
+    try {
+      decodeJSON(text);
+      ADD_FAILURE() << "read: " << text;
+    } catch (const JSONError& error) {
+      EXPECT_EQ(error.errorDescription(), "The data couldn’t be read because it isn’t in the correct format.");
+    }
+  }
+}
+
+TEST(DecodeJSON, refusesANestingThatIsMeantToHarm) {
+  const auto nested = [](std::size_t depth) { return std::string(depth, '[') + std::string(depth, ']'); };
+  EXPECT_NO_THROW(decodeJSON(nested(512)));
+  EXPECT_THROW(decodeJSON(nested(1'000'000)), JSONError);
+}
+
+TEST(UTF8, isToldFromOtherBytes) {
+  EXPECT_TRUE(isUTF8(""));
+  EXPECT_TRUE(isUTF8(std::string_view{"a\0é😀", 8}));
+  for (const char* bytes : {"\xFF", "\xC3", "\xC0\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80", "a\x80"})
+    EXPECT_FALSE(isUTF8(bytes));
+}
+
+}  // namespace
+}  // namespace tavelle::tests
