@@ -1,0 +1,59 @@
+#pragma once
+
+#include "platform/Keychain.h"
+#include "platform/linux/BoundedCalls.h"
+
+#include <atomic>
+#include <chrono>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace tavelle {
+
+class SecretPrompt;
+class SecretServiceClient;
+
+// The keychain on the Secret Service. Items have the attributes `service` and `account`; new ones go into the default
+// collection. What secret-tool stores under these attributes is found:
+//
+//     secret-tool store --label="OpenAI" service app.tavelle.Tavelle account apiKey_openai
+//
+// Where the service is missing or does not answer in time, the status is errSecNotAvailable. Where the person has to
+// unlock or to create a keyring first, it is errSecInteractionNotAllowed: the service's own question is on the screen
+// then, and the call that comes after the answer succeeds.
+class SecretServiceKeychain : public Keychain {
+ public:
+  // `limit`: how long one call may take.
+  explicit SecretServiceKeychain(std::chrono::milliseconds limit = std::chrono::seconds(2));
+  ~SecretServiceKeychain() override;
+  SecretServiceKeychain(const SecretServiceKeychain&) = delete;
+  SecretServiceKeychain& operator=(const SecretServiceKeychain&) = delete;
+
+  OSStatus secItemAdd(const KeychainItemQuery& item, const Data& value, KeychainAccessible accessible) override;
+  OSStatus secItemCopyMatching(const KeychainItemQuery& query, std::optional<Data>& value) override;
+
+  // Deletes every matching item.
+  OSStatus secItemDelete(const KeychainItemQuery& query) override;
+
+ private:
+  struct Connection;
+
+  template <typename Operation>
+  OSStatus perform(const Operation& operation);
+  OSStatus told(OSStatus status);
+
+  OSStatus add(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value);
+  OSStatus remove(SecretServiceClient& client, const KeychainItemQuery& query);
+  OSStatus askToUnlock(SecretServiceClient& client, const std::vector<std::string>& objects);
+  OSStatus ask(const std::string& prompt);
+
+  const std::chrono::milliseconds limit_;
+  std::atomic<OSStatus> toldLast_ = errSecSuccess;
+  std::mutex mutex_;  // guards the rest
+  GMainContextPtr context_;
+  std::unique_ptr<Connection> connection_;  // kept from call to call; dropped when a call fails
+};
+
+}  // namespace tavelle

@@ -1,0 +1,85 @@
+#include "platform/linux/LinuxPlatform.h"
+
+#include "platform/linux/CommandLine.h"
+#include "platform/linux/SerialExecutor.h"
+#include "platform/linux/URLSession.h"
+
+#include <malloc.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <utility>
+
+namespace tavelle {
+namespace {
+
+std::string valueOf(const char* variable) {
+  const char* const value = std::getenv(variable);
+  return value ? value : "";
+}
+
+std::string whyThereIsNoDesktop() {
+  std::string reason = "Tavelle needs an X11 desktop session: no display found (";
+  const std::string display = valueOf("DISPLAY");
+  reason += display.empty() ? "DISPLAY is not set" : "nothing answers on " + display;
+  reason += ").";
+  if (!valueOf("WAYLAND_DISPLAY").empty()) {
+    reason += " There is a Wayland display, on which Tavelle does not work yet; log in to an X11 session instead.";
+  }
+  return reason;
+}
+
+// One heap for all threads, and large texts on it: while a run lasts they come and go without the system, which would
+// clear every page anew. What is free afterwards is given back by the main actor, once nothing is left to do.
+void shareOneHeap() {
+  constexpr int megabyte = 1024 * 1024;
+  mallopt(M_ARENA_MAX, 1);
+  mallopt(M_MMAP_THRESHOLD, 32 * megabyte);
+  mallopt(M_TRIM_THRESHOLD, 8 * megabyte);
+}
+
+}  // namespace
+
+std::variant<std::unique_ptr<LinuxPlatform>, int> LinuxPlatform::start(std::span<char*> arguments) {
+  if (const auto exitStatus = answerCommandLine(arguments)) return *exitStatus;
+  shareOneHeap();
+  std::unique_ptr<LinuxPlatform> platform{new LinuxPlatform};
+  if (platform->openDesktop()) return platform;
+  std::fprintf(stderr, "%s\n", whyThereIsNoDesktop().c_str());
+  return EXIT_FAILURE;
+}
+
+LinuxPlatform::LinuxPlatform() = default;
+
+LinuxPlatform::~LinuxPlatform() = default;
+
+bool LinuxPlatform::openDesktop() {
+  desktop_ = x11::Desktop::open(mainActor_);
+  if (!desktop_) return false;
+  desktopLost_ = desktop_->lost().subscribe([this] {
+    std::fputs("Tavelle: the X11 display is gone\n", stderr);
+    application_.quit(EXIT_FAILURE);
+  });
+  application_.setEnding({[this] {
+                            statusBar_.withdraw();
+                            desktop_->carbonEvents().withdraw();
+                          },
+                          [this](std::function<void()> done) { desktop_->handOver(std::move(done)); }});
+  return true;
+}
+
+UserDefaults& LinuxPlatform::standardUserDefaults() {
+  if (!userDefaults_) userDefaults_.emplace(JSONUserDefaults::standardFile());
+  return *userDefaults_;
+}
+
+std::unique_ptr<URLSession> LinuxPlatform::makeURLSession(const URLSessionConfiguration& configuration) {
+  return std::make_unique<CurlURLSession>(configuration);
+}
+
+std::unique_ptr<SerialExecutor> LinuxPlatform::makeSerialExecutor() {
+  return std::make_unique<LinuxSerialExecutor>();
+}
+
+}  // namespace tavelle

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "observation/Subscription.h"
+#include "platform/Platform.h"
+#include "platform/linux/Application.h"
+#include "platform/linux/Bundle.h"
+#include "platform/linux/Keychain.h"
+#include "platform/linux/MainActor.h"
+#include "platform/linux/SessionBus.h"
+#include "platform/linux/StatusBar.h"
+#include "platform/linux/UserDefaults.h"
+#include "platform/linux/UserNotificationCenter.h"
+#include "platform/linux/x11/Desktop.h"
+
+#include <memory>
+#include <optional>
+#include <span>
+#include <variant>
+
+namespace tavelle {
+
+// A Linux desktop: X11, the session bus, the Secret Service, libcurl.
+class LinuxPlatform : public Platform {
+ public:
+  // The platform, or the exit status of a process that has nothing more to do: where its command line only asks
+  // something, or where there is no desktop, which is then said on standard error. `arguments` are main()'s.
+  static std::variant<std::unique_ptr<LinuxPlatform>, int> start(std::span<char*> arguments);
+
+  ~LinuxPlatform() override;
+
+  MainActor& mainActor() override { return mainActor_; }
+  Application& application() override { return application_; }
+  StatusBar& systemStatusBar() override { return statusBar_; }
+  Pasteboard& generalPasteboard() override { return desktop_->pasteboard(); }
+  CarbonEvents& carbonEvents() override { return desktop_->carbonEvents(); }
+  QuartzEvents& quartzEvents() override { return desktop_->quartzEvents(); }
+  Accessibility& accessibility() override { return desktop_->accessibility(); }
+  UserNotificationCenter& userNotificationCenter() override { return notificationCenter_; }
+  Keychain& keychain() override { return keychain_; }
+  UserDefaults& standardUserDefaults() override;
+  Bundle& mainBundle() override { return bundle_; }
+
+  std::unique_ptr<URLSession> makeURLSession(const URLSessionConfiguration& configuration) override;
+  std::unique_ptr<SerialExecutor> makeSerialExecutor() override;
+
+ private:
+  LinuxPlatform();
+  bool openDesktop();
+
+  GLibMainActor mainActor_;
+  SessionBus bus_;
+  LinuxApplication application_{bus_};
+  std::unique_ptr<x11::Desktop> desktop_;
+  DBusStatusBar statusBar_{bus_, mainActor_};
+  DBusNotificationCenter notificationCenter_{bus_};
+  SecretServiceKeychain keychain_;
+  std::optional<JSONUserDefaults> userDefaults_;  // read when first asked for: not in a second instance
+  LinuxBundle bundle_{LinuxBundle::standardFolder()};
+  Subscription desktopLost_;
+};
+
+}  // namespace tavelle

@@ -1,0 +1,35 @@
+#include "platform/linux/SecretPrompt.h"
+
+namespace tavelle {
+namespace {
+
+constexpr const char* promptInterface = "org.freedesktop.Secret.Prompt";
+constexpr std::chrono::minutes longestLife{5};
+
+}  // namespace
+
+SecretPrompt::SecretPrompt(GDBusConnection* connection, const char* service, const std::string& path)
+    : connection_(G_DBUS_CONNECTION(g_object_ref(connection))),
+      subscription_(g_dbus_connection_signal_subscribe(connection, service, promptInterface, "Completed", path.c_str(),
+                                                       nullptr, G_DBUS_SIGNAL_FLAGS_NONE, &SecretPrompt::onCompleted,
+                                                       this, nullptr)),
+      askedAt_(std::chrono::steady_clock::now()) {
+  constexpr const char* noWindow = "";
+  g_dbus_connection_call(connection, service, path.c_str(), promptInterface, "Prompt", g_variant_new("(s)", noWindow),
+                         nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr, nullptr);
+}
+
+SecretPrompt::~SecretPrompt() {
+  g_dbus_connection_signal_unsubscribe(connection_.get(), subscription_);
+}
+
+bool SecretPrompt::isOpen() const {
+  return !isCompleted_ && std::chrono::steady_clock::now() - askedAt_ < longestLife;
+}
+
+void SecretPrompt::onCompleted(GDBusConnection*, const char*, const char*, const char*, const char*, GVariant*,
+                               gpointer self) {
+  static_cast<SecretPrompt*>(self)->isCompleted_ = true;
+}
+
+}  // namespace tavelle

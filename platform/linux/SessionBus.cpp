@@ -1,0 +1,24 @@
+#include "platform/linux/SessionBus.h"
+
+#include <utility>
+
+namespace tavelle {
+
+SessionBus::SessionBus(GObjectPtr<GDBusConnection> connection) : isKnown_(true), connection_(std::move(connection)) {}
+
+void SessionBus::adopt(GDBusConnection* connection) {
+  isKnown_ = true;
+  connection_.reset(connection ? G_DBUS_CONNECTION(g_object_ref(connection)) : nullptr);
+  // GIO would end the process with the bus, and with it the hotkeys and the clipboard's contents, which need no bus.
+  if (connection) g_dbus_connection_set_exit_on_close(connection, false);
+}
+
+GDBusConnection* SessionBus::connection() {
+  if (!isKnown_) {
+    const GObjectPtr<GDBusConnection> connection{g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr)};
+    adopt(connection.get());
+  }
+  return connection_.get();
+}
+
+}  // namespace tavelle

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "platform/URLSession.h"
+#include "platform/linux/CurlHandles.h"
+#include "platform/linux/TransferReply.h"
+
+#include <chrono>
+#include <memory>
+#include <string>
+
+namespace tavelle {
+
+// One request on its way: what is sent, what has come back, and since when there has been silence. Made on any thread,
+// then used on the transfer thread alone.
+class Transfer {
+ public:
+  using Clock = std::chrono::steady_clock;
+
+  // `authorities`: as CurlURLSession has it.
+  Transfer(URLRequest request, std::chrono::seconds longestSilence, std::string authorities,
+           std::shared_ptr<TransferReply> reply);
+  ~Transfer();
+  Transfer(const Transfer&) = delete;
+  Transfer& operator=(const Transfer&) = delete;
+
+  // Where the reply goes. Callable from any thread.
+  TransferReply& reply() const { return *reply_; }
+
+  // Makes the handle for a multi handle to drive. Null where there is no memory for it.
+  CURL* prepare();
+
+  // The handle's transfer; null for libcurl's own handles, on which it ends connections.
+  static Transfer* of(CURL* handle);
+
+  CURL* handle() const { return handle_.get(); }
+
+  // A byte came or went, or the connection got a step further.
+  void noteActivity() { lastActivity_ = Clock::now(); }
+
+  // When the silence will have been too long.
+  Clock::time_point deadline() const { return lastActivity_ + longestSilence_; }
+
+  // Hands over the answer, or the error.
+  void finish(CURLcode result);
+  void finish(URLError error) { reply_->deliver(std::move(error)); }
+
+ private:
+  void setConnectionOptions();
+  void setRedirectOptions();
+  void setMessageOptions();
+  void setCallbacks();
+  bool addHeaders();
+  bool append(const char* bytes, std::size_t count);
+
+  static std::size_t onBody(char* bytes, std::size_t size, std::size_t count, void* transfer);
+  static std::size_t onHeader(char* bytes, std::size_t size, std::size_t count, void* transfer);
+  static int onProgress(void* transfer, curl_off_t, curl_off_t received, curl_off_t, curl_off_t sent);
+
+  const URLRequest request_;
+  const std::chrono::seconds longestSilence_;
+  const std::string authorities_;
+  const std::shared_ptr<TransferReply> reply_;
+  Data body_;
+  curl_off_t moved_ = 0;
+  Clock::time_point lastActivity_;
+  CurlList headers_;
+  CurlEasy handle_;  // refers to the request and the headers, and goes first
+};
+
+}  // namespace tavelle

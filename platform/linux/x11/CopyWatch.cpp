@@ -1,0 +1,42 @@
+#include "platform/linux/x11/CopyWatch.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tavelle::x11 {
+
+CopyWatch::CopyWatch(Connection& connection, MainActor& actor, SelectionOwner& owner)
+    : owner_(owner),
+      ping_(connection, [this] { noteHandled(); }),
+      patience_(actor, [this] { end(); }),
+      lost_(owner.lost().subscribe([this] { end(); })) {}
+
+void CopyWatch::begin(xcb_window_t focus) {
+  end();
+  if (!owner_.owns() || !owner_.contents()->isEmpty()) return;  // a result could not be told from what is there
+  isPending_ = true;
+  sent_ = Clock::now();
+  patience_.set(ping_.send(focus) ? waitForAnswer : waitWithoutPing);
+}
+
+void CopyWatch::noteHandled() {
+  const auto passed = std::chrono::floor<std::chrono::milliseconds>(Clock::now() - sent_);
+  patience_.set(std::max(leastWait - passed, std::chrono::milliseconds{0}));
+}
+
+Task<void> CopyWatch::settled() {
+  if (!isPending_) co_return;
+  const Arrival<std::monostate> arrival;
+  waiting_.push_back(arrival);
+  Arrival<std::monostate>::Awaiter awaiter{arrival};
+  co_await awaiter;
+}
+
+void CopyWatch::end() {
+  isPending_ = false;
+  ping_.cancel();
+  patience_.clear();
+  for (auto& arrival : std::exchange(waiting_, {})) arrival.come({});
+}
+
+}  // namespace tavelle::x11

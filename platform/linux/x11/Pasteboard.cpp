@@ -1,0 +1,185 @@
+#include "platform/linux/x11/Pasteboard.h"
+
+#include "platform/linux/x11/Targets.h"
+#include "platform/linux/x11/TextEncoding.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <utility>
+
+namespace tavelle::x11 {
+namespace {
+
+// The text targets that are read, the best one first.
+constexpr std::array readTextTargets = {targetUTF8String, targetPlainTextUTF8, targetString};
+
+std::vector<xcb_atom_t> atomsIn(const SelectionAnswer& answer) {
+  if (answer.format != 32) return {};
+  std::vector<xcb_atom_t> atoms(answer.data.size() / sizeof(xcb_atom_t));
+  std::memcpy(atoms.data(), answer.data.data(), atoms.size() * sizeof(xcb_atom_t));
+  return atoms;
+}
+
+}  // namespace
+
+X11Pasteboard::X11Pasteboard(Connection& connection, MainActor& actor, PostedEditingKeys& postedKeys)
+    : connection_(connection),
+      reader_(connection, actor, connection.atom("CLIPBOARD")),
+      debt_(connection, actor),
+      owner_(connection, actor, connection.atom("CLIPBOARD"), debt_),
+      copyWatch_(connection, actor, owner_),
+      handOver_(connection, actor, owner_),
+      postedKeys_(postedKeys.subscribe([this](const PostedEditingKey& posted) { noteEditingKey(posted); })) {}
+
+void X11Pasteboard::noteEditingKey(const PostedEditingKey& posted) {
+  switch (posted.key) {
+    case EditingKey::copy:
+      return copyWatch_.begin(posted.focus);
+    case EditingKey::paste:
+      if (ownsContents()) debt_.incur(posted.focus, owner_.contents());
+      return;
+  }
+}
+
+Task<std::optional<std::vector<PasteboardType>>> X11Pasteboard::types() {
+  formats_.clear();
+  if (owner_.owns()) {
+    std::vector<xcb_atom_t> targets;
+    for (const auto& entry : owner_.contents()->entries()) targets.push_back(entry.target);
+    co_return namesOf(targets);
+  }
+  reader_.startSeries();
+  auto reading = reader_.read(connection_.atom("TARGETS"));
+  const auto answer = co_await reading;
+  if (!answer) co_return std::nullopt;
+  co_return namesOf(atomsIn(*answer));
+}
+
+// Those that name contents, each once.
+std::vector<PasteboardType> X11Pasteboard::namesOf(const std::vector<xcb_atom_t>& targets) {
+  std::vector<PasteboardType> types;
+  for (auto& name : connection_.atomNames(targets)) {
+    const bool isKnown = std::ranges::find(types, name) != types.end();
+    if (!name.empty() && !isKnown && !isProtocolTarget(name) && !isBoundToItsOwner(name)) {
+      types.push_back(std::move(name));
+    }
+  }
+  return types;
+}
+
+Task<std::optional<Data>> X11Pasteboard::dataForType(PasteboardType type) {
+  if (type == pasteboardTypeString) {
+    auto text = owner_.owns() ? ownText() : std::nullopt;
+    if (owner_.owns()) co_return text;
+    auto reading = readText();
+    auto result = co_await reading;
+    co_return result;
+  }
+  if (isProtocolTarget(type) || isBoundToItsOwner(type)) co_return std::nullopt;
+  const auto target = connection_.atom(type);
+  if (owner_.owns()) co_return ownData(target);
+  auto reading = reader_.read(target);
+  auto answer = co_await reading;
+  if (!answer) co_return std::nullopt;
+  formats_[target] = {answer->type, answer->format};
+  co_return std::move(answer->data);
+}
+
+std::optional<Data> X11Pasteboard::ownData(xcb_atom_t target) {
+  const auto* const value = owner_.contents()->find(target);
+  if (!value) return std::nullopt;
+  formats_[target] = {value->type, value->format};
+  return *value->data;
+}
+
+Task<std::optional<std::string>> X11Pasteboard::stringForType(PasteboardType type) {
+  if (type != pasteboardTypeString) {
+    auto reading = dataForType(std::move(type));
+    auto data = co_await reading;
+    if (data && !isValidUTF8(*data)) data.reset();
+    co_return data;
+  }
+  if (copyWatch_.isPending()) {
+    auto settling = copyWatch_.settled();
+    co_await settling;
+  }
+  if (owner_.owns()) co_return ownText();
+  reader_.startSeries();
+  auto reading = readText();
+  auto text = co_await reading;
+  co_return text;
+}
+
+Task<std::optional<std::string>> X11Pasteboard::readText() {
+  for (const auto name : readTextTargets) {
+    auto reading = reader_.read(connection_.atom(name));
+    auto answer = co_await reading;
+    if (!answer || answer->type == connection_.atom(typeCompoundText)) continue;
+    co_return decode(answer->type, answer->format, std::move(answer->data));
+  }
+  co_return std::nullopt;
+}
+
+std::optional<std::string> X11Pasteboard::ownText() {
+  for (const auto name : readTextTargets) {
+    const auto* const value = owner_.contents()->find(connection_.atom(name));
+    if (value) return decode(value->type, value->format, *value->data);
+  }
+  return std::nullopt;
+}
+
+std::optional<std::string> X11Pasteboard::decode(xcb_atom_t type, std::uint8_t format, Data bytes) {
+  if (format != 8) return std::nullopt;
+  if (type == XCB_ATOM_STRING) return utf8FromLatin1(bytes);
+  if (!isValidUTF8(bytes)) return std::nullopt;
+  return bytes;
+}
+
+void X11Pasteboard::clearContents() {
+  copyWatch_.cancel();
+  owner_.claim();
+}
+
+bool X11Pasteboard::setData(Data data, const PasteboardType& type) {
+  if (!owner_.owns()) return false;
+  if (type == pasteboardTypeString) return isValidUTF8(data) && offerText(std::move(data));
+  if (isProtocolTarget(type) || isBoundToItsOwner(type)) return false;
+  const auto target = connection_.atom(type);
+  const auto format = formatFor(target, data.size());
+  copyWatch_.cancel();
+  owner_.offer(target, {format.type, format.format, std::make_shared<const Data>(std::move(data))});
+  return true;
+}
+
+X11Pasteboard::PropertyFormat X11Pasteboard::formatFor(xcb_atom_t target, std::size_t size) const {
+  const auto known = formats_.find(target);
+  const bool fits = known != formats_.end() && size % (known->second.format / 8) == 0;
+  return fits ? known->second : PropertyFormat{target, 8};
+}
+
+bool X11Pasteboard::setString(std::string string, const PasteboardType& type) {
+  if (!owner_.owns()) return false;
+  if (!(type == pasteboardTypeString ? offerText(std::move(string)) : setData(std::move(string), type))) return false;
+  owner_.setPassing();
+  return true;
+}
+
+bool X11Pasteboard::offerText(std::string text) {
+  copyWatch_.cancel();
+  auto latin1 = latin1FromUTF8(text);
+  const bool isASCII = latin1 && latin1->size() == text.size();
+  const auto utf8 = std::make_shared<const Data>(std::move(text));
+  for (const auto name : {targetUTF8String, targetPlainTextUTF8, targetPlainText}) {
+    const auto target = connection_.atom(name);
+    owner_.offer(target, {target, 8, utf8});
+  }
+  if (latin1) {
+    const auto shared = isASCII ? utf8 : std::make_shared<const Data>(std::move(*latin1));
+    owner_.offer(XCB_ATOM_STRING, {XCB_ATOM_STRING, 8, shared});
+  }
+  owner_.offer(connection_.atom(targetText), {connection_.atom(targetUTF8String), 8, utf8});
+  return true;
+}
+
+}  // namespace tavelle::x11

@@ -1,0 +1,48 @@
+#include "platform/linux/x11/TextEncoding.h"
+
+#include <glib.h>
+
+namespace tavelle::x11 {
+
+bool isValidUTF8(std::string_view bytes) {
+  while (true) {
+    const auto segment = bytes.substr(0, bytes.find('\0'));  // GLib takes a NUL for an error
+    if (!segment.empty() && !g_utf8_validate_len(segment.data(), segment.size(), nullptr)) return false;
+    if (segment.size() == bytes.size()) return true;
+    bytes.remove_prefix(segment.size() + 1);
+  }
+}
+
+std::string utf8FromLatin1(std::string_view latin1) {
+  std::string utf8;
+  utf8.reserve(latin1.size());
+  for (const char character : latin1) {
+    const auto code = static_cast<unsigned char>(character);
+    if (code < 0x80) {
+      utf8 += character;
+    } else {
+      utf8 += static_cast<char>(0xC0 | (code >> 6));
+      utf8 += static_cast<char>(0x80 | (code & 0x3F));
+    }
+  }
+  return utf8;
+}
+
+std::optional<std::string> latin1FromUTF8(std::string_view utf8) {
+  std::string latin1;
+  latin1.reserve(utf8.size());
+  for (std::size_t i = 0; i < utf8.size(); ++i) {
+    const auto lead = static_cast<unsigned char>(utf8[i]);
+    if (lead < 0x80) {
+      latin1 += utf8[i];
+    } else if (lead <= 0xC3 && i + 1 < utf8.size()) {  // U+0080 to U+00FF
+      const auto trail = static_cast<unsigned char>(utf8[++i]);
+      latin1 += static_cast<char>(((lead & 0x03) << 6) | (trail & 0x3F));
+    } else {
+      return std::nullopt;
+    }
+  }
+  return latin1;
+}
+
+}  // namespace tavelle::x11

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <cstdint>
+#include <optional>
+
+namespace tavelle::x11 {
+
+// The kernel's code (linux/input-event-codes.h) of the physical key that a virtual key code of Events.h names: the key
+// in the same place, or with the same legend where the place differs between keyboards.
+std::optional<std::uint16_t> evdevCodeOf(std::uint32_t virtualKeyCode);
+
+// The same key as the X server numbers it: the kernel's code and 8. Nothing for the keys past 255, which the X protocol
+// cannot name.
+std::optional<xcb_keycode_t> keycodeOf(std::uint32_t virtualKeyCode);
+
+}  // namespace tavelle::x11

@@ -1,0 +1,192 @@
+#include "platform/linux/Application.h"
+
+#include "tests/platform/linux/MainLoop.h"
+#include "tests/platform/linux/Program.h"
+#include "tests/platform/linux/SessionBus.h"
+#include "tests/platform/linux/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+namespace tavelle::tests {
+namespace {
+
+constexpr const char* launched = "will finish launching\ndid finish launching\n";
+constexpr const char* isRunningAlready = "Tavelle is already running.\n";
+
+class ApplicationTest : public testing::Test {
+ protected:
+  using Environment = std::map<std::string, std::string>;
+
+  static std::unique_ptr<Program> start(const Environment& environment,
+                                        const std::vector<std::string>& arguments = {}) {
+    std::vector<std::string> command = {TAVELLE_TEST_APPLICATION};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return std::make_unique<Program>(command, environment);
+  }
+  Environment onBus(const PrivateBus& bus) const {
+    return {{"DBUS_SESSION_BUS_ADDRESS", bus.address()}, {"XDG_RUNTIME_DIR", runtime_.path()}, {"DISPLAY", ":7"}};
+  }
+  Environment withoutBus() const {
+    return {{"DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent"},
+            {"XDG_RUNTIME_DIR", runtime_.path()},
+            {"DISPLAY", ":7"}};
+  }
+
+  TemporaryFolder runtime_;
+};
+
+TEST_F(ApplicationTest, launchesOnceAndEndsWhenTerminated) {
+  PrivateBus bus;
+  const auto first = start(onBus(bus));
+  ASSERT_TRUE(first->hasWritten(launched));
+  first->signal(SIGUSR2);
+  EXPECT_EQ(first->exitStatus(), 0);
+  EXPECT_EQ(first->output(),
+            std::string{launched} + "will terminate\nwithdraw\nhanding over\nterminate returned\nended\n");
+}
+
+TEST_F(ApplicationTest, tellsTheFirstInstanceOfASecondStart) {
+  PrivateBus bus;
+  const auto first = start(onBus(bus));
+  ASSERT_TRUE(first->hasWritten(launched));
+  for (int starts = 0; starts < 2; ++starts) {
+    const auto second = start(onBus(bus));
+    EXPECT_EQ(second->exitStatus(), 0);
+    EXPECT_EQ(second->output(), std::string{isRunningAlready} + "ended\n");
+  }
+  EXPECT_TRUE(first->hasWritten("should handle reopen\nshould handle reopen\n")) << first->output();
+}
+
+TEST_F(ApplicationTest, neverRunsTwiceWithoutABus) {
+  const auto first = start(withoutBus());
+  ASSERT_TRUE(first->hasWritten(launched));
+  const auto second = start(withoutBus());
+  EXPECT_EQ(second->exitStatus(), 0);
+  EXPECT_EQ(second->output(), std::string{isRunningAlready} + "ended\n");
+}
+
+TEST_F(ApplicationTest, neverRunsTwiceOnTwoBuses) {
+  PrivateBus oneBus;
+  PrivateBus otherBus;
+  const auto first = start(onBus(oneBus));
+  ASSERT_TRUE(first->hasWritten(launched));
+  const auto second = start(onBus(otherBus));
+  EXPECT_EQ(second->exitStatus(), 0);
+  EXPECT_EQ(second->output(), std::string{isRunningAlready} + "ended\n");
+}
+
+TEST_F(ApplicationTest, runsOnEachDesktopThatThePersonHas) {
+  PrivateBus oneBus;
+  PrivateBus otherBus;
+  const auto first = start(onBus(oneBus));
+  auto nested = onBus(otherBus);
+  nested["DISPLAY"] = ":8";
+  const auto second = start(nested);
+  EXPECT_TRUE(first->hasWritten(launched));
+  EXPECT_TRUE(second->hasWritten(launched));
+}
+
+TEST_F(ApplicationTest, startsWhereThereIsNoPlaceForALock) {
+  auto environment = withoutBus();
+  environment["XDG_RUNTIME_DIR"] = "/nonexistent";
+  EXPECT_TRUE(start(environment)->hasWritten(launched));
+}
+
+TEST_F(ApplicationTest, startsAfterOneThatWasKilled) {
+  const auto first = start(withoutBus());
+  ASSERT_TRUE(first->hasWritten(launched));
+  first->signal(SIGKILL);
+  EXPECT_EQ(first->exitStatus(), 1000 + SIGKILL);
+  EXPECT_TRUE(start(withoutBus())->hasWritten(launched));
+}
+
+TEST_F(ApplicationTest, startsWhileOneThatEndsStillHandsOver) {
+  PrivateBus bus;
+  auto lingering = onBus(bus);
+  lingering["TAVELLE_TEST_LINGERS"] = "1";
+  const auto first = start(lingering);
+  ASSERT_TRUE(first->hasWritten(launched));
+  first->signal(SIGTERM);
+  ASSERT_TRUE(first->hasWritten("will terminate\nwithdraw\nhanding over\n"));
+  const auto peer = bus.connect();
+  bool isGone = false;
+  const auto watch = dbus::watchName(
+      peer.get(), applicationID, [] {}, [&] { isGone = true; });
+  ASSERT_TRUE(waitUntil([&] { return isGone; }));
+  const auto second = start(onBus(bus));
+  EXPECT_TRUE(second->hasWritten(launched)) << second->output();
+  EXPECT_TRUE(first->isRunning());
+  first->signal(SIGUSR1);
+  EXPECT_EQ(first->exitStatus(), 0);
+}
+
+TEST_F(ApplicationTest, endsOrderlyOnEachSignal) {
+  for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
+    const auto program = start(withoutBus());
+    ASSERT_TRUE(program->hasWritten(launched));
+    program->signal(number);
+    EXPECT_EQ(program->exitStatus(), 0);
+    EXPECT_TRUE(program->output().ends_with("will terminate\nwithdraw\nhanding over\nended\n")) << program->output();
+  }
+}
+
+TEST_F(ApplicationTest, endsAtOnceOnTheSecondSignal) {
+  auto lingering = withoutBus();
+  lingering["TAVELLE_TEST_LINGERS"] = "1";
+  const auto program = start(lingering);
+  ASSERT_TRUE(program->hasWritten(launched));
+  program->signal(SIGTERM);
+  ASSERT_TRUE(program->hasWritten("handing over\n"));
+  program->signal(SIGTERM);
+  EXPECT_EQ(program->exitStatus(), 1000 + SIGTERM);
+}
+
+TEST_F(ApplicationTest, livesOnWhenTheBusGoesAway) {
+  PrivateBus bus;
+  const auto program = start(onBus(bus));
+  ASSERT_TRUE(program->hasWritten(launched));
+  bus.end();
+  program->signal(SIGUSR1);
+  EXPECT_TRUE(program->hasWritten("alive\n"));
+  EXPECT_TRUE(program->isRunning());
+  const auto second = start(withoutBus());
+  EXPECT_EQ(second->exitStatus(), 0);
+  EXPECT_EQ(second->output(), std::string{isRunningAlready} + "ended\n");
+  program->signal(SIGTERM);
+  EXPECT_EQ(program->exitStatus(), 0);
+}
+
+TEST_F(ApplicationTest, takesTheActivationThatTheBusStartedItForAsTheLaunch) {
+  PrivateBus bus;
+  const auto program = start(onBus(bus), {"--gapplication-service"});
+  ASSERT_TRUE(program->hasWritten(launched));
+  const auto peer = bus.connect();
+  const dbus::Method activate = {applicationID, "/app/tavelle/Tavelle", "org.freedesktop.Application", "Activate"};
+  EXPECT_EQ(textOf(callAndWait(peer.get(), activate, g_variant_new_parsed("(@a{sv} {},)"))), "()");
+  EXPECT_EQ(textOf(callAndWait(peer.get(), activate, g_variant_new_parsed("(@a{sv} {},)"))), "()");
+  program->signal(SIGTERM);
+  EXPECT_EQ(program->exitStatus(), 0);
+  EXPECT_EQ(program->output(),
+            std::string{launched} + "should handle reopen\nwill terminate\nwithdraw\nhanding over\nended\n");
+}
+
+TEST_F(ApplicationTest, answersForItsCommandLineWithoutADesktop) {
+  const auto help = start(withoutBus(), {"--help"});
+  EXPECT_EQ(help->exitStatus(), 0);
+  EXPECT_TRUE(help->output().starts_with("Usage: tavelle\n")) << help->output();
+  const auto version = start(withoutBus(), {"--version"});
+  EXPECT_EQ(version->exitStatus(), 0);
+  EXPECT_EQ(version->output(), "Tavelle " TAVELLE_TEST_VERSION "\n");
+}
+
+TEST_F(ApplicationTest, refusesAnOptionThatItDoesNotKnow) {
+  const auto program = start(withoutBus(), {"--nonsense"});
+  EXPECT_EQ(program->exitStatus(), 1);
+  EXPECT_NE(program->output().find("--nonsense"), std::string::npos) << program->output();
+  EXPECT_EQ(program->output().find("launching"), std::string::npos) << program->output();
+}
+
+}  // namespace
+}  // namespace tavelle::tests

@@ -1,0 +1,72 @@
+#include "platform/linux/Bundle.h"
+
+#include "tests/platform/linux/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace tavelle::tests {
+namespace {
+
+std::shared_ptr<LinuxImage> imageIn(const std::filesystem::path& folder) {
+  return std::dynamic_pointer_cast<LinuxImage>(LinuxBundle{folder}.imageNamed("MenuBarIcon"));
+}
+
+TEST(LinuxBundle, knowsWhatTheProgramIs) {
+  LinuxBundle bundle{LinuxBundle::standardFolder()};
+  EXPECT_EQ(bundle.objectForInfoDictionaryKey("CFBundleName"), InfoValue{std::string{"Tavelle"}});
+  EXPECT_EQ(bundle.objectForInfoDictionaryKey("CFBundleIdentifier"), InfoValue{std::string{"app.tavelle.Tavelle"}});
+  EXPECT_EQ(bundle.objectForInfoDictionaryKey("CFBundleShortVersionString"),
+            InfoValue{std::string{TAVELLE_TEST_VERSION}});
+  EXPECT_EQ(bundle.objectForInfoDictionaryKey("Nonsense"), std::nullopt);
+}
+
+TEST(LinuxBundle, hasTheMenuBarIconInEverySizeOfAPanel) {
+  const auto image = imageIn(LinuxBundle::standardFolder());
+  ASSERT_TRUE(image);
+  EXPECT_EQ(image->iconName(), "MenuBarIcon-symbolic");
+  EXPECT_TRUE(std::filesystem::exists(image->folder() / "MenuBarIcon-symbolic.svg"));
+  std::vector<int> sizes;
+  for (const auto& mask : image->masks()) {
+    sizes.push_back(mask.size);
+    EXPECT_EQ(mask.alpha.size(), static_cast<std::size_t>(mask.size * mask.size));
+    EXPECT_EQ(std::count(mask.alpha.begin(), mask.alpha.end(), '\xff') > 0, true) << "nothing to see at " << mask.size;
+  }
+  EXPECT_EQ(sizes, (std::vector{16, 22, 24, 32, 48}));
+}
+
+TEST(LinuxBundle, hasNoImageThatIsNotThere) {
+  EXPECT_EQ(LinuxBundle{LinuxBundle::standardFolder()}.imageNamed("Nonsense"), nullptr);
+  EXPECT_EQ(LinuxBundle{"/nonexistent"}.imageNamed("MenuBarIcon"), nullptr);
+  EXPECT_EQ(LinuxBundle{"/nonexistent"}.objectForInfoDictionaryKey("CFBundleName"), std::nullopt);
+}
+
+TEST(LinuxBundle, leavesOutMasksThatAreNotWhatTheyShouldBe) {
+  TemporaryFolder folder;
+  const auto icons = folder.path() / "icons";
+  std::filesystem::create_directory(icons);
+  write(icons / "MenuBarIcon-16.pgm", "P5\n16 16\n255\n" + std::string(256, 'x'));
+  write(icons / "MenuBarIcon-22.pgm", "P5\n22 22\n255\n" + std::string(10, 'x'));
+  write(icons / "MenuBarIcon-24.pgm", "P5\n16 16\n255\n" + std::string(256, 'x'));
+  write(icons / "MenuBarIcon-32.pgm", "P5\n");
+  write(icons / "MenuBarIcon-48.pgm", "");
+  const auto image = imageIn(folder);
+  ASSERT_TRUE(image);
+  ASSERT_EQ(image->masks().size(), 1u);
+  EXPECT_EQ(image->masks()[0].size, 16);
+}
+
+TEST(LinuxBundle, handsOverOnlyTheValuesThatItCanHold) {
+  TemporaryFolder folder;
+  write(folder.path() / "Info.json", R"({"text": "a", "number": 2, "truth": true, "list": [], "nothing": null})");
+  LinuxBundle bundle{folder};
+  EXPECT_EQ(bundle.objectForInfoDictionaryKey("text"), InfoValue{std::string{"a"}});
+  EXPECT_EQ(bundle.objectForInfoDictionaryKey("number"), InfoValue{2.0});
+  EXPECT_EQ(bundle.objectForInfoDictionaryKey("truth"), InfoValue{true});
+  EXPECT_EQ(bundle.objectForInfoDictionaryKey("list"), std::nullopt);
+  EXPECT_EQ(bundle.objectForInfoDictionaryKey("nothing"), std::nullopt);
+}
+
+}  // namespace
+}  // namespace tavelle::tests

@@ -1,0 +1,265 @@
+#include "platform/linux/Keychain.h"
+
+#include "tests/platform/contracts/KeychainContract.h"
+#include "tests/platform/linux_net/Environment.h"
+#include "tests/platform/linux_net/Keyring.h"
+
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+
+#include <chrono>
+#include <cstring>
+#include <optional>
+#include <string>
+
+namespace tavelle::tests {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+using Clock = std::chrono::steady_clock;
+
+struct GnomeKeyringBackend {
+  GnomeKeyringBackend() { keyring.startUnlocked(); }
+  Keychain& keychain() { return keychain_; }
+
+  Keyring keyring;
+  SecretServiceKeychain keychain_{seconds(20)};
+};
+
+class SecretServiceKeychainTest : public testing::Test {
+ protected:
+  OSStatus add(const Data& value) { return keychain().secItemAdd(item, value, KeychainAccessible::whenUnlocked); }
+  OSStatus copy() { return keychain().secItemCopyMatching(item, read); }
+  OSStatus remove() { return keychain().secItemDelete(item); }
+
+  virtual SecretServiceKeychain& keychain() { return patient_; }
+
+  Keyring keyring;
+  const KeychainItemQuery item{"app.tavelle.Tavelle", "apiKey_openai"};
+  const std::vector<std::string> attributes{"service", "app.tavelle.Tavelle", "account", "apiKey_openai"};
+  std::optional<Data> read;
+
+  std::vector<std::string> command(std::vector<std::string> words) const {
+    words.insert(words.end(), attributes.begin(), attributes.end());
+    return words;
+  }
+
+ private:
+  SecretServiceKeychain patient_{seconds(20)};
+};
+
+TEST_F(SecretServiceKeychainTest, findsWhatSecretToolStored) {
+  keyring.startUnlocked();
+  keyring.secretTool(command({"store", "--label=OpenAI"}), "sk-stored");
+  EXPECT_EQ(copy(), errSecSuccess);
+  EXPECT_EQ(read, "sk-stored");
+  EXPECT_EQ(add("sk-other"), errSecDuplicateItem);
+}
+
+TEST_F(SecretServiceKeychainTest, storesWhatSecretToolFinds) {
+  keyring.startUnlocked();
+  EXPECT_EQ(add("sk-added"), errSecSuccess);
+  EXPECT_EQ(keyring.secretTool(command({"lookup"})), "sk-added");
+  const auto listed = keyring.secretTool(command({"search"}));
+  EXPECT_NE(listed.find("label = Tavelle: apiKey_openai\n"), std::string::npos) << listed;
+}
+
+TEST_F(SecretServiceKeychainTest, deletesEveryMatchingItem) {
+  keyring.startUnlocked();
+  EXPECT_EQ(add("sk-added"), errSecSuccess);
+  auto twice = command({"store", "--label=twice"});
+  twice.insert(twice.end(), {"more", "1"});
+  keyring.secretTool(twice, "sk-stored");
+  EXPECT_EQ(remove(), errSecSuccess);
+  EXPECT_EQ(copy(), errSecItemNotFound);
+  EXPECT_EQ(keyring.secretTool(command({"search", "--all"})), "");
+}
+
+TEST_F(SecretServiceKeychainTest, keepsItemsAcrossARestartOfTheService) {
+  keyring.startUnlocked();
+  EXPECT_EQ(add("sk-added"), errSecSuccess);
+  keyring.stop();
+  EXPECT_EQ(copy(), errSecNotAvailable);
+  keyring.startUnlocked();
+  EXPECT_EQ(copy(), errSecSuccess);
+  EXPECT_EQ(read, "sk-added");
+}
+
+TEST_F(SecretServiceKeychainTest, noticesARestartInBetween) {
+  keyring.startUnlocked();
+  EXPECT_EQ(add("sk-added"), errSecSuccess);
+  keyring.stop();
+  keyring.startUnlocked();
+  EXPECT_EQ(copy(), errSecSuccess);
+  EXPECT_EQ(read, "sk-added");
+}
+
+TEST_F(SecretServiceKeychainTest, isNotAvailableWithoutAService) {
+  EXPECT_EQ(copy(), errSecNotAvailable);
+  EXPECT_EQ(add("sk-added"), errSecNotAvailable);
+  EXPECT_EQ(remove(), errSecNotAvailable);
+}
+
+TEST_F(SecretServiceKeychainTest, worksOnceTheServiceHasCome) {
+  EXPECT_EQ(add("sk-added"), errSecNotAvailable);
+  keyring.startUnlocked();
+  EXPECT_EQ(add("sk-added"), errSecSuccess);
+}
+
+TEST_F(SecretServiceKeychainTest, isNotAvailableWithoutABus) {
+  const Environment environment{{{"DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus"}}};
+  EXPECT_EQ(copy(), errSecNotAvailable);
+  EXPECT_EQ(add("sk-added"), errSecNotAvailable);
+}
+
+TEST_F(SecretServiceKeychainTest, asksForAKeyringWhereThereIsNone) {
+  keyring.start();
+  EXPECT_EQ(copy(), errSecItemNotFound);
+  EXPECT_EQ(remove(), errSecItemNotFound);
+  EXPECT_EQ(add("sk-added"), errSecInteractionNotAllowed);
+}
+
+TEST_F(SecretServiceKeychainTest, doesNotOpenALockedKeyring) {
+  keyring.startUnlocked();
+  EXPECT_EQ(add("sk-added"), errSecSuccess);
+  keyring.stop();
+  keyring.start();
+  EXPECT_EQ(copy(), errSecInteractionNotAllowed);
+  EXPECT_EQ(read, std::nullopt);
+  EXPECT_EQ(add("sk-other"), errSecInteractionNotAllowed);
+  EXPECT_EQ(remove(), errSecInteractionNotAllowed);
+
+  keyring.stop();
+  keyring.startUnlocked();
+  EXPECT_EQ(copy(), errSecSuccess);
+  EXPECT_EQ(read, "sk-added");
+}
+
+// The keychain that gives up soon.
+class SilentSecretServiceTest : public SecretServiceKeychainTest {
+ protected:
+  SecretServiceKeychain& keychain() override { return impatient_; }
+
+  // Runs `call`, which must come to its end in time.
+  template <typename Call>
+  void expectInTime(const Call& call) {
+    const auto start = Clock::now();
+    EXPECT_EQ(call(), errSecNotAvailable);
+    EXPECT_LT(Clock::now() - start, limit + seconds(5));
+  }
+
+  static constexpr milliseconds limit{500};
+
+ private:
+  SecretServiceKeychain impatient_{limit};
+};
+
+TEST_F(SilentSecretServiceTest, answersInTimeAndRecovers) {
+  keyring.startUnlocked();
+  EXPECT_EQ(add("sk-added"), errSecSuccess);
+  keyring.hang();
+  expectInTime([this] { return copy(); });
+  expectInTime([this] { return add("sk-other"); });
+  expectInTime([this] { return remove(); });
+  keyring.stop();
+  keyring.startUnlocked();
+  EXPECT_EQ(copy(), errSecSuccess);
+  EXPECT_EQ(read, "sk-added");
+}
+
+TEST_F(SilentSecretServiceTest, answersInTimeWhereTheServiceWasSilentFromTheStart) {
+  keyring.startUnlocked();
+  keyring.hang();
+  expectInTime([this] { return copy(); });
+}
+
+TEST_F(SilentSecretServiceTest, answersInTimeWhereTheBusIsSilent) {
+  const TemporaryFolder folder;
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  std::strcpy(address.sun_path, (folder.path() / "bus").c_str());
+  const FileDescriptor bus{socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)};
+  ASSERT_EQ(bind(bus.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+  ASSERT_EQ(listen(bus.get(), 8), 0);
+  const Environment environment{{{"DBUS_SESSION_BUS_ADDRESS", "unix:path=" + (folder.path() / "bus").string()}}};
+  expectInTime([this] { return copy(); });
+}
+
+// A keyring that asks the person before it does anything.
+class PromptingSecretServiceTest : public SecretServiceKeychainTest {
+ protected:
+  void start(const std::string& kind) {
+    peer_.emplace(std::vector<std::string>{"/usr/bin/python3", TAVELLE_PROMPTING_SERVICE, kind});
+    ASSERT_TRUE(keyring.bus().waitForOwner("org.freedesktop.secrets"));
+  }
+
+  // Reads what the service was asked until it was asked that, too.
+  void expectAsked(const std::string& method) {
+    std::string line;
+    do {
+      line = peer_->readLine();
+      ASSERT_NE(line, "") << "the service was not asked: " << method;
+      asked_ += line + " ";
+    } while (line != method);
+  }
+
+  // The person sees the question, and answers.
+  void answer() {
+    expectAsked("Prompt");
+    peer_->write("answer\n");
+    expectAsked("answered");
+  }
+
+  int timesAsked(const std::string& method) const {
+    int count = 0;
+    for (auto at = asked_.find(method); at != std::string::npos; at = asked_.find(method, at + 1)) ++count;
+    return count;
+  }
+
+ private:
+  std::optional<ChildProcess> peer_;
+  std::string asked_;
+};
+
+TEST_F(PromptingSecretServiceTest, asksThePersonAndDoesNotWaitForTheAnswer) {
+  start("locked");
+  EXPECT_EQ(copy(), errSecInteractionNotAllowed);
+  answer();
+  EXPECT_EQ(copy(), errSecSuccess);
+  EXPECT_EQ(read, "the secret");
+}
+
+TEST_F(PromptingSecretServiceTest, asksThePersonOneThingAtATime) {
+  start("locked");
+  for (int count = 0; count < 5; ++count) EXPECT_EQ(copy(), errSecInteractionNotAllowed);
+  EXPECT_EQ(add("sk-added"), errSecInteractionNotAllowed);
+  EXPECT_EQ(remove(), errSecInteractionNotAllowed);
+  answer();
+  EXPECT_EQ(timesAsked("Prompt"), 1);
+}
+
+TEST_F(PromptingSecretServiceTest, asksAgainOnceTheLastQuestionWasAnswered) {
+  start("locked");
+  EXPECT_EQ(copy(), errSecInteractionNotAllowed);
+  answer();
+  EXPECT_EQ(remove(), errSecInteractionNotAllowed);
+  expectAsked("Delete");
+  expectAsked("Prompt");
+  EXPECT_EQ(timesAsked("Prompt"), 2);
+}
+
+TEST_F(PromptingSecretServiceTest, asksWhetherToMakeAKeyring) {
+  start("without-keyring");
+  EXPECT_EQ(copy(), errSecItemNotFound);
+  EXPECT_EQ(add("sk-added"), errSecInteractionNotAllowed);
+  expectAsked("CreateCollection");
+  expectAsked("Prompt");
+}
+
+}  // namespace
+
+INSTANTIATE_TYPED_TEST_SUITE_P(GnomeKeyring, KeychainContract, GnomeKeyringBackend);
+
+}  // namespace tavelle::tests

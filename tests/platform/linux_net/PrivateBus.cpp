@@ -1,0 +1,37 @@
+#include "tests/platform/linux_net/PrivateBus.h"
+
+namespace tavelle::tests {
+namespace {
+
+std::string configurationIn(const std::filesystem::path& folder) {
+  const auto file = folder / "bus.conf";
+  write(file, R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>session</type>
+  <listen>unix:path=)" +
+                  (folder / "bus").string() +
+                  R"(</listen>
+  <auth>EXTERNAL</auth>
+  <policy context="default">
+    <allow send_destination="*"/>
+    <allow receive_sender="*"/>
+    <allow own="*"/>
+  </policy>
+</busconfig>
+)");
+  return file;
+}
+
+}  // namespace
+
+PrivateBus::PrivateBus()
+    : configuration_(configurationIn(folder_)),
+      daemon_({"dbus-daemon", "--config-file=" + configuration_, "--nofork", "--nopidfile", "--print-address"}),
+      environment_({{"DBUS_SESSION_BUS_ADDRESS", daemon_.readLine()}}) {}
+
+bool PrivateBus::waitForOwner(const std::string& name) const {
+  return ChildProcess{{"gdbus", "wait", "--session", "--timeout", "10", name}}.wait() == 0;
+}
+
+}  // namespace tavelle::tests

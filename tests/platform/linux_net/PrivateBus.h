@@ -1,0 +1,26 @@
+#pragma once
+
+#include "tests/platform/linux/TemporaryFolder.h"
+#include "tests/platform/linux_net/Environment.h"
+#include "tests/support/ChildProcess.h"
+
+#include <string>
+
+namespace tavelle::tests {
+
+// A session bus of the test's own, and this process's for the life of this object. Nothing on it is started by itself.
+class PrivateBus {
+ public:
+  PrivateBus();
+
+  // Whether the name gets an owner within ten seconds.
+  bool waitForOwner(const std::string& name) const;
+
+ private:
+  TemporaryFolder folder_;
+  std::string configuration_;
+  ChildProcess daemon_;
+  Environment environment_;  // the address that the daemon prints
+};
+
+}  // namespace tavelle::tests

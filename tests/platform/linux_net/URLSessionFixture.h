@@ -1,0 +1,41 @@
+#pragma once
+
+#include "platform/linux/URLSession.h"
+#include "tests/platform/linux_net/Load.h"
+#include "tests/support/StandIn.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+#include <utility>
+
+namespace tavelle::tests {
+
+// A session, an executor that the test cranks, and chat completions to send.
+class URLSessionFixture : public testing::Test {
+ protected:
+  static constexpr std::chrono::seconds long_{60};
+
+  static URLRequest chat(const std::string& baseURL, const std::string& text = "hi") {
+    return post(baseURL + "/chat/completions", R"({"messages":[{"role":"user","content":")" + text + R"("}]})");
+  }
+
+  static URLRequest post(const std::string& url, std::string body) {
+    URLRequest request{*URL::parse(url), "POST", {{"Content-Type", "application/json"}}, std::move(body), long_};
+    return request;
+  }
+
+  Load start(URLRequest request) { return Load{session_, std::move(request), executor_}; }
+  URLResult load(URLRequest request) { return start(std::move(request)).result(); }
+  URLError failure(URLRequest request) { return start(std::move(request)).error(); }
+
+  // A port of the loopback interface where nothing listens.
+  static std::uint16_t closedPort() { return StandIn{}.port(); }
+
+  QueueExecutor executor_;
+  CurlURLSession session_{URLSessionConfiguration{long_}};
+};
+
+}  // namespace tavelle::tests

@@ -1,0 +1,340 @@
+#include "tests/platform/linux_net/Environment.h"
+#include "tests/platform/linux_net/TestAuthority.h"
+#include "tests/platform/linux_net/URLSessionFixture.h"
+
+#include <nlohmann/json.hpp>
+
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <set>
+#include <vector>
+
+namespace tavelle::tests {
+namespace {
+
+using std::chrono::seconds;
+
+class CurlURLSessionTest : public URLSessionFixture {
+ protected:
+  static std::string answer(const URLResult& result) {
+    return nlohmann::json::parse(result.data).at("choices").at(0).at("message").at("content");
+  }
+
+  // How many transfer threads this process has.
+  static int transferThreads() {
+    int count = 0;
+    for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task")) {
+      std::string name;
+      std::getline(std::ifstream{thread.path() / "comm"}, name);
+      count += name == "transfers";
+    }
+    return count;
+  }
+};
+
+TEST_F(CurlURLSessionTest, sendsTheRequestAsItIs) {
+  const StandIn server;
+  auto request = post(server.baseURL() + "/../x/chat/completions?a=b%20c", "{\"messages\":[]}");
+  request.headers.emplace_back("Authorization", "Bearer key");
+  EXPECT_EQ(load(request).response.statusCode, 400);
+  const auto requests = server.requests();
+  ASSERT_EQ(requests.size(), 1u);
+  EXPECT_EQ(requests[0].method, "POST");
+  EXPECT_EQ(requests[0].path, "/v1/../x/chat/completions?a=b%20c");
+  EXPECT_EQ(requests[0].body, "{\"messages\":[]}");
+  EXPECT_EQ(requests[0].header("Content-Type"), "application/json");
+  EXPECT_EQ(requests[0].header("Authorization"), "Bearer key");
+}
+
+TEST_F(CurlURLSessionTest, saysWhoItIsAndWhatItCanDecode) {
+  const StandIn server;
+  load(chat(server.baseURL()));
+  const auto request = server.requests().at(0);
+  EXPECT_TRUE(request.header("User-Agent").starts_with("Tavelle/")) << request.header("User-Agent");
+  EXPECT_NE(request.header("Accept-Encoding").find("gzip"), std::string::npos);
+}
+
+TEST_F(CurlURLSessionTest, doesNotAskForAGoAheadBeforeALargeBody) {
+  const StandIn server;
+  EXPECT_EQ(load(chat(server.baseURL(), std::string(5'000'000, 'x'))).response.statusCode, 200);
+  const auto request = server.requests().at(0);
+  EXPECT_FALSE(request.hasHeader("Expect"));
+  EXPECT_GT(request.body.size(), 5'000'000u);
+}
+
+TEST_F(CurlURLSessionTest, sendsAGetWithoutABody) {
+  const StandIn server;
+  const auto result =
+      load({*URL::parse("http://127.0.0.1:" + std::to_string(server.port()) + "/"), "GET", {}, {}, long_});
+  EXPECT_EQ(result.response.statusCode, 200);
+  EXPECT_EQ(server.requests().at(0).method, "GET");
+}
+
+TEST_F(CurlURLSessionTest, sendsAnEmptyBodyAsOne) {
+  const StandIn server;
+  load(post(server.baseURL() + "/chat/completions", ""));
+  EXPECT_EQ(server.requests().at(0).method, "POST");
+  EXPECT_EQ(server.requests().at(0).header("Content-Length"), "0");
+}
+
+TEST_F(CurlURLSessionTest, sendsAHeaderWithAnEmptyValue) {
+  const StandIn server;
+  auto request = chat(server.baseURL());
+  request.headers.emplace_back("x-api-key", "");
+  request.headers.emplace_back("x-blank", " ");
+  load(request);
+  EXPECT_TRUE(server.requests().at(0).hasHeader("x-api-key"));
+  EXPECT_EQ(server.requests().at(0).header("x-api-key"), "");
+  EXPECT_TRUE(server.requests().at(0).hasHeader("x-blank"));
+}
+
+TEST_F(CurlURLSessionTest, resumesOnTheExecutor) {
+  const StandIn server;
+  auto loading = start(chat(server.baseURL()));
+  EXPECT_FALSE(loading.isDone());
+  loading.result();
+  EXPECT_EQ(loading.resumedOn(), std::this_thread::get_id());
+
+  auto failing = start(post("/chat/completions", ""));
+  EXPECT_FALSE(failing.isDone());
+  failing.error();
+  EXPECT_EQ(failing.resumedOn(), std::this_thread::get_id());
+}
+
+TEST_F(CurlURLSessionTest, givesEveryStatusWithItsBody) {
+  const StandIn server;
+  for (const int status : {200, 201, 204, 400, 401, 404, 429, 500, 503}) {
+    const auto result =
+        load(chat(server.baseURLBehaving("status=" + std::to_string(status) + ",body=%7B%22error%22%3A1%7D")));
+    EXPECT_EQ(result.response.statusCode, status);
+    EXPECT_EQ(result.data, status == 204 ? "" : R"({"error":1})") << status;
+  }
+}
+
+TEST_F(CurlURLSessionTest, givesAnswersOfAnyBytes) {
+  const StandIn server;
+  EXPECT_EQ(load(chat(server.baseURLBehaving("invalid-utf8"))).data, "\xff\xfe\xc3(");
+  EXPECT_NE(answer(load(chat(server.baseURLBehaving("odd-text")))).find(std::string("\0 a NUL", 7)), std::string::npos);
+  const auto bytes = load(chat(server.baseURLBehaving("body=a%00b"))).data;
+  EXPECT_EQ(bytes, std::string("a\0b", 3));
+}
+
+TEST_F(CurlURLSessionTest, takesAResponseThatIsNotHttpForOneWithoutAStatus) {
+  const StandIn server;
+  const auto result = load(chat(server.baseURLBehaving("garbage=What%3F")));
+  EXPECT_EQ(result.response.statusCode, std::nullopt);
+  EXPECT_EQ(result.data, "What?");
+}
+
+TEST_F(CurlURLSessionTest, decodesCompressedAndChunkedBodies) {
+  const StandIn server;
+  const auto plain = load(chat(server.baseURL(), "i dont know")).data;
+  for (const auto* behaviour : {"gzip", "chunked=7", "gzip,chunked=1", "chunked=3,trickle=0.001"}) {
+    EXPECT_EQ(load(chat(server.baseURLBehaving(behaviour), "i dont know")).data, plain) << behaviour;
+  }
+}
+
+TEST_F(CurlURLSessionTest, givesAnAnswerOfFiftyMegabytes) {
+  const StandIn server;
+  for (const auto* behaviour : {"size=52428800", "size=52428800,chunked=100000", "size=52428800,gzip"}) {
+    const auto data = load(chat(server.baseURLBehaving(behaviour))).data;
+    const auto text = data.find("All work and no play. All work");
+    EXPECT_GT(data.size(), 52'428'800u) << behaviour;
+    EXPECT_EQ(data.find('"', text) - text, 52'428'800u) << behaviour;
+  }
+}
+
+TEST_F(CurlURLSessionTest, turnsAPostIntoAGetWhereThePlatformDoes) {
+  for (const int status : {301, 302, 303}) {
+    const StandIn server;
+    load(chat(server.baseURLBehaving("redirect=" + std::to_string(status))));
+    ASSERT_EQ(server.requests().size(), 2u);
+    EXPECT_EQ(server.requests()[1].method, "GET") << status;
+    EXPECT_EQ(server.requests()[1].body, "") << status;
+  }
+}
+
+TEST_F(CurlURLSessionTest, keepsAPostOneAfterATemporaryOrPermanentRedirect) {
+  for (const int status : {307, 308}) {
+    const StandIn server;
+    EXPECT_EQ(answer(load(chat(server.baseURLBehaving("redirect=" + std::to_string(status)), "i dont"))), "I do not.");
+    ASSERT_EQ(server.requests().size(), 2u);
+    EXPECT_EQ(server.requests()[1].method, "POST") << status;
+    EXPECT_EQ(server.requests()[1].body, server.requests()[0].body) << status;
+  }
+}
+
+TEST_F(CurlURLSessionTest, followsTwentyRedirectionsInARow) {
+  const StandIn server;
+  EXPECT_EQ(load(chat(server.baseURLBehaving("redirect=307,times=20"))).response.statusCode, 200);
+  EXPECT_EQ(server.requests().size(), 21u);
+}
+
+TEST_F(CurlURLSessionTest, sendsTheAuthorizationToNoOtherHost) {
+  const StandIn server;
+  const StandIn stranger;
+  auto request = chat(server.baseURLBehaving("redirect=307,to=http%3A%2F%2F127.0.0.1%3A" +
+                                             std::to_string(stranger.port()) + "%2Fv1%2Fchat%2Fcompletions"));
+  request.headers.emplace_back("Authorization", "Bearer key");
+  load(request);
+  ASSERT_EQ(stranger.requests().size(), 1u);
+  EXPECT_FALSE(stranger.requests()[0].hasHeader("Authorization"));
+}
+
+TEST_F(CurlURLSessionTest, sendsTheAuthorizationAgainToTheSameHost) {
+  const StandIn server;
+  auto request = chat(server.baseURLBehaving("redirect=307"));
+  request.headers.emplace_back("Authorization", "Bearer key");
+  load(request);
+  ASSERT_EQ(server.requests().size(), 2u);
+  EXPECT_EQ(server.requests()[1].header("Authorization"), "Bearer key");
+}
+
+TEST_F(CurlURLSessionTest, keepsNoCookies) {
+  const StandIn server;
+  load(chat(server.baseURLBehaving("header=Set-Cookie%3Aa%3Db")));
+  load(chat(server.baseURL()));
+  EXPECT_FALSE(server.requests().at(1).hasHeader("Cookie"));
+}
+
+TEST_F(CurlURLSessionTest, trustsTheAuthoritiesItIsGiven) {
+  const TestAuthority authority;
+  const StandIn server{{"--tls", authority.certificate(), authority.key()}};
+  CurlURLSession trusting{URLSessionConfiguration{long_}, authority.certificate()};
+  Load loading{trusting, chat(server.baseURL("https"), "i dont"), executor_};
+  EXPECT_EQ(answer(loading.result()), "I do not.");
+}
+
+TEST_F(CurlURLSessionTest, trustsAFolderOfAuthorities) {
+  const TestAuthority authority;
+  const StandIn server{{"--tls", authority.certificate(), authority.key()}};
+  CurlURLSession trusting{URLSessionConfiguration{long_}, authority.folder()};
+  Load loading{trusting, chat(server.baseURL("https"), "i dont"), executor_};
+  EXPECT_EQ(answer(loading.result()), "I do not.");
+}
+
+TEST_F(CurlURLSessionTest, goesThroughTheProxyOfTheEnvironment) {
+  const StandIn proxy;
+  const Environment environment{{{"http_proxy", "http://127.0.0.1:" + std::to_string(proxy.port())}, {"no_proxy", ""}}};
+  EXPECT_EQ(load(chat("http://model.invalid/v1")).response.statusCode, 200);
+  EXPECT_EQ(proxy.requests().at(0).path, "http://model.invalid/v1/chat/completions");
+  EXPECT_EQ(proxy.requests().at(0).header("Host"), "model.invalid");
+}
+
+TEST_F(CurlURLSessionTest, goesPastTheProxyWhereTheEnvironmentSaysSo) {
+  const StandIn proxy;
+  const StandIn server;
+  const Environment environment{
+      {{"http_proxy", "http://127.0.0.1:" + std::to_string(proxy.port())}, {"no_proxy", "example.com,127.0.0.1"}}};
+  EXPECT_EQ(load(chat(server.baseURL())).response.statusCode, 200);
+  EXPECT_EQ(server.requests().size(), 1u);
+  EXPECT_EQ(proxy.requests().size(), 0u);
+}
+
+TEST_F(CurlURLSessionTest, asksTheSecureProxyForATunnelWithoutTheKey) {
+  const StandIn proxy;
+  const Environment environment{
+      {{"https_proxy", "http://127.0.0.1:" + std::to_string(proxy.port())}, {"no_proxy", ""}}};
+  auto request = chat("https://model.invalid/v1");
+  request.headers.emplace_back("Authorization", "Bearer key");
+  EXPECT_EQ(failure(request).errorDescription(),
+            "There was a problem communicating with the secure web proxy server (HTTPS).");
+  EXPECT_EQ(proxy.requests().at(0).method, "CONNECT");
+  EXPECT_EQ(proxy.requests().at(0).path, "model.invalid:443");
+  EXPECT_FALSE(proxy.requests().at(0).hasHeader("Authorization"));
+}
+
+TEST_F(CurlURLSessionTest, sendsTwoHundredRequestsOverOneConnection) {
+  const StandIn server;
+  for (int count = 0; count < 200; ++count) load(chat(server.baseURL()));
+  std::set<int> connections;
+  for (const auto& request : server.requests()) connections.insert(request.connection);
+  EXPECT_EQ(server.requests().size(), 200u);
+  EXPECT_EQ(connections.size(), 1u);
+}
+
+TEST_F(CurlURLSessionTest, connectsAnewWhereTheServerHasClosedAnIdleConnection) {
+  const StandIn server;
+  load(chat(server.baseURLBehaving("close-after")));
+  EXPECT_EQ(load(chat(server.baseURL())).response.statusCode, 200);
+  EXPECT_NE(server.requests().at(0).connection, server.requests().at(1).connection);
+}
+
+TEST_F(CurlURLSessionTest, holdsUpNoRequestForAnother) {
+  const StandIn server;
+  const auto silent = start(chat(server.baseURLBehaving("silence")));
+  ASSERT_EQ(server.waitForRequests(1).size(), 1u);
+  std::vector<Load> loads;
+  for (int count = 0; count < 30; ++count) loads.push_back(start(chat(server.baseURL(), std::to_string(count))));
+  for (int count = 0; count < 30; ++count)
+    EXPECT_EQ(answer(loads[static_cast<std::size_t>(count)].result()), std::to_string(count) + ".");
+  EXPECT_FALSE(silent.isDone());
+}
+
+TEST_F(CurlURLSessionTest, startsOneThreadForAllSessionsWithTheFirstRequest) {
+  const StandIn server;
+  auto another = std::make_optional<CurlURLSession>(URLSessionConfiguration{long_});
+  EXPECT_EQ(transferThreads(), 0);
+  load(chat(server.baseURL()));
+  Load{*another, chat(server.baseURL()), executor_}.result();
+  EXPECT_EQ(transferThreads(), 1);
+}
+
+TEST_F(CurlURLSessionTest, endsTheThreadWithTheLastSession) {
+  const StandIn server;
+  {
+    CurlURLSession session{URLSessionConfiguration{long_}};
+    Load{session, chat(server.baseURL()), executor_}.result();
+    EXPECT_EQ(transferThreads(), 1);
+  }
+  EXPECT_EQ(transferThreads(), 0);
+}
+
+TEST_F(CurlURLSessionTest, endsWhatIsInFlightWithTheSession) {
+  const StandIn server;
+  auto session = std::make_optional<CurlURLSession>(URLSessionConfiguration{long_});
+  Load first{*session, chat(server.baseURLBehaving("silence")), executor_};
+  Load second{*session, chat(server.baseURLBehaving("trickle=0.01")), executor_};
+  ASSERT_EQ(server.waitForRequests(2).size(), 2u);
+  session.reset();
+  EXPECT_EQ(first.error().code(), URLError::Code::cancelled);
+  EXPECT_EQ(second.error().errorDescription(), "cancelled");
+}
+
+TEST_F(CurlURLSessionTest, failsATaskThatIsStartedAfterTheSessionsEnd) {
+  auto session = std::make_optional<CurlURLSession>(URLSessionConfiguration{long_});
+  class Late : public URLSession {
+   public:
+    explicit Late(Task<URLResult> task) : task_(std::move(task)) {}
+    Task<URLResult> dataForRequest(URLRequest, Executor&) override { return std::move(task_); }
+
+   private:
+    Task<URLResult> task_;
+  } late{session->dataForRequest(chat("http://127.0.0.1/v1"), executor_)};
+  session.reset();
+  EXPECT_EQ((Load{late, chat("http://127.0.0.1/v1"), executor_}.error().code()), URLError::Code::cancelled);
+}
+
+TEST_F(CurlURLSessionTest, callsATransferOffWhenItsTaskIsDropped) {
+  const StandIn server;
+  {
+    const auto dropped = start(chat(server.baseURLBehaving("silence")));
+    ASSERT_EQ(server.waitForRequests(1).size(), 1u);
+  }
+  EXPECT_EQ(load(chat(server.baseURL())).response.statusCode, 200);
+  EXPECT_EQ(executor_.waiting(), 0u);
+}
+
+TEST_F(CurlURLSessionTest, resumesNothingWhenATaskIsDroppedAfterItsReplyHasCome) {
+  const StandIn server;
+  {
+    const auto dropped = start(chat(server.baseURL()));
+    ASSERT_TRUE(executor_.waitForJob());
+  }
+  EXPECT_EQ(executor_.waiting(), 1u);
+  EXPECT_EQ(load(chat(server.baseURL())).response.statusCode, 200);
+}
+
+}  // namespace
+}  // namespace tavelle::tests

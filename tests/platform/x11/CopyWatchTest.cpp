@@ -1,0 +1,174 @@
+#include "tests/platform/x11/PasteboardTest.h"
+#include "tests/platform/x11/PeerApplication.h"
+
+namespace tavelle::x11::tests {
+namespace {
+
+// The pasteboard after a copy key stroke, before an application that takes its time.
+class CopyWatchTest : public PasteboardTest {
+ protected:
+  // The application's side of a copy: it takes the clipboard, being the program that has the focus.
+  void takeClipboard(const std::string& selected) {
+    copied.offer("UTF8_STRING", selected);
+    copied.own();
+  }
+
+  void copyFrom(PeerApplication& application) {
+    pasteboard->clearContents();
+    pressed = now();
+    press(EditingKey::copy, application.focus());
+  }
+
+  std::uint32_t rootEvents() {
+    const auto cookie = xcb_get_window_attributes(*connection, connection->root());
+    const XcbReply<xcb_get_window_attributes_reply_t> reply{
+        xcb_get_window_attributes_reply(*connection, cookie, nullptr)};
+    return reply ? reply->your_event_mask : ~0u;
+  }
+
+  PeerOwner copied;
+  std::chrono::steady_clock::time_point pressed;
+};
+
+TEST_F(CopyWatchTest, readsAtOnceWhatIsThere) {
+  PeerApplication application;
+  copyFrom(application);
+  takeClipboard("selected");
+  settle(*connection);
+  EXPECT_EQ(text(), "selected");
+  EXPECT_LT(since(pressed), CopyWatch::leastWait);
+}
+
+TEST_F(CopyWatchTest, waitsForAnApplicationThatIsStillAtWork) {
+  PeerApplication application;
+  application.onPing([&] {
+    actor.postAfter(1'100ms, [&] {
+      takeClipboard("a megabyte");
+      application.answerPing();
+    });
+  });
+  copyFrom(application);
+  EXPECT_EQ(text(), "a megabyte");
+}
+
+TEST_F(CopyWatchTest, saysThatNothingWasSelectedOnceTheApplicationHasAnswered) {
+  PeerApplication application;
+  copyFrom(application);
+  EXPECT_EQ(text(), std::nullopt);
+  EXPECT_GE(since(pressed), CopyWatch::leastWait);
+  EXPECT_LT(since(pressed), CopyWatch::waitWithoutPing);
+  EXPECT_EQ(application.pings(), 1);
+}
+
+TEST_F(CopyWatchTest, hearsAnswersThatAreSentToTheRootAlone) {
+  PeerApplication application;
+  application.sendAnswersTo(XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+  copyFrom(application);
+  EXPECT_EQ(text(), std::nullopt);
+  EXPECT_LT(since(pressed), CopyWatch::waitWithoutPing);
+}
+
+TEST_F(CopyWatchTest, saysItAtOnceWhenTheAnswerWasLate) {
+  PeerApplication application;
+  application.onPing([&] { actor.postAfter(700ms, [&] { application.answerPing(); }); });
+  copyFrom(application);
+  EXPECT_EQ(text(), std::nullopt);
+  EXPECT_GE(since(pressed), 700ms);
+  EXPECT_LT(since(pressed), CopyWatch::waitForAnswer / 2);
+}
+
+TEST_F(CopyWatchTest, waitsForAnApplicationThatCopiesFromATimer) {
+  PeerApplication application;
+  copyFrom(application);
+  actor.postAfter(202ms, [&] { takeClipboard("region"); });
+  EXPECT_EQ(text(), "region");
+}
+
+TEST_F(CopyWatchTest, waitsALittleForAnApplicationThatAnswersNoPings) {
+  PeerApplication application{PeerApplication::Protocols::none};
+  copyFrom(application);
+  actor.postAfter(600ms, [&] { takeClipboard("slow"); });
+  EXPECT_EQ(text(), "slow");
+  EXPECT_EQ(application.pings(), 0);
+
+  copyFrom(application);
+  EXPECT_EQ(text(), std::nullopt);
+  EXPECT_GE(since(pressed), CopyWatch::waitWithoutPing);
+  EXPECT_LT(since(pressed), CopyWatch::waitForAnswer / 2);
+}
+
+TEST_F(CopyWatchTest, waitsALittleWhereTheFocusIsUnknown) {
+  pasteboard->clearContents();
+  press(EditingKey::copy, XCB_WINDOW_NONE);
+  actor.postAfter(400ms, [&] { takeClipboard("selected"); });
+  EXPECT_EQ(text(), "selected");
+}
+
+TEST_F(CopyWatchTest, givesUpOnAnApplicationThatHangs) {
+  PeerApplication application;
+  application.onPing([] {});
+  copyFrom(application);
+  EXPECT_EQ(text(), std::nullopt);
+  EXPECT_GE(since(pressed), CopyWatch::waitForAnswer);
+  EXPECT_EQ(rootEvents(), XCB_EVENT_MASK_NO_EVENT);
+}
+
+TEST_F(CopyWatchTest, waitsNoLongerForAWindowThatIsGone) {
+  PeerApplication application;
+  application.onPing([&] { actor.postAfter(400ms, [&] { application.closeWindow(); }); });
+  copyFrom(application);
+  EXPECT_EQ(text(), std::nullopt);
+  EXPECT_LT(since(pressed), CopyWatch::waitForAnswer / 2);
+}
+
+TEST_F(CopyWatchTest, answersAtOnceWhereNoCopyKeyWasSent) {
+  pasteboard->clearContents();
+  const auto begin = now();
+  EXPECT_EQ(text(), std::nullopt);
+  EXPECT_LT(since(begin), CopyWatch::leastWait);
+}
+
+TEST_F(CopyWatchTest, answersAtOnceOnceItHasGivenUp) {
+  PeerApplication application;
+  copyFrom(application);
+  EXPECT_EQ(text(), std::nullopt);
+  const auto begin = now();
+  EXPECT_EQ(text(), std::nullopt);
+  EXPECT_LT(since(begin), CopyWatch::leastWait);
+}
+
+TEST_F(CopyWatchTest, waitsNoLongerOnceSomethingIsWritten) {
+  PeerApplication application;
+  application.onPing([] {});
+  copyFrom(application);
+  pasteboard->setData("restored", "UTF8_STRING");
+  EXPECT_EQ(text(), "restored");
+  EXPECT_LT(since(pressed), CopyWatch::waitForAnswer / 2);
+}
+
+TEST_F(CopyWatchTest, takesNoOtherPingsAnswerForItsOwn) {
+  PeerApplication application;
+  bool isForged = false;
+  application.onPing([&] {
+    // The answer to a ping of the window manager's comes first.
+    application.answerPing(-1);
+    isForged = true;
+    actor.postAfter(800ms, [&] { takeClipboard("selected"); });
+  });
+  copyFrom(application);
+  EXPECT_EQ(text(), "selected");
+  EXPECT_TRUE(isForged);
+}
+
+TEST_F(CopyWatchTest, listensToTheRootOnlyWhileItWaits) {
+  PeerApplication application;
+  application.onPing([] {});
+  copyFrom(application);
+  EXPECT_NE(rootEvents(), XCB_EVENT_MASK_NO_EVENT);
+  takeClipboard("selected");
+  settle(*connection);
+  EXPECT_EQ(rootEvents(), XCB_EVENT_MASK_NO_EVENT);
+}
+
+}  // namespace
+}  // namespace tavelle::x11::tests

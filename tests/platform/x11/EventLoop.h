@@ -1,0 +1,18 @@
+#pragma once
+
+#include "platform/linux/x11/Connection.h"
+
+#include <functional>
+
+namespace tavelle::x11::tests {
+
+// Serves the main loop until `isTrue`. False where that takes unreasonably long.
+bool waitUntil(const std::function<bool()>& isTrue);
+
+// Lets the server's clock go on: two things that are told apart by their time stamps have to have different ones.
+void passTime(Connection& connection);
+
+// Serves the main loop until everything that the server has sent to this connection so far is dealt with.
+void settle(Connection& connection);
+
+}  // namespace tavelle::x11::tests

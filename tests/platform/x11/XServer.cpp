@@ -1,0 +1,76 @@
+#include "tests/platform/x11/XServer.h"
+
+#include "platform/FatalError.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+#include <cstdlib>
+#include <utility>
+
+namespace tavelle::x11::tests {
+namespace {
+
+constexpr int startLimitMilliseconds = 30'000;
+
+// Never returns: becomes the server, which writes the number of its display to `out`.
+[[noreturn]] void becomeServer(int out, pid_t parent) {
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
+  if (getppid() != parent) _exit(1);
+  const std::string fd = std::to_string(out);
+  // It complains about every display that other tests' servers have taken, on its way to a free one.
+  dup2(open("/dev/null", O_WRONLY | O_CLOEXEC), STDERR_FILENO);
+  // -noreset: without it the server starts afresh, atoms forgotten, whenever its last client leaves.
+  execlp("Xvfb", "Xvfb", "-displayfd", fd.c_str(), "-screen", "0", "1024x768x24", "-nolisten", "tcp", "-noreset",
+         nullptr);
+  _exit(127);
+}
+
+// What the server said, up to the end of the line; empty where it said nothing in time.
+std::string readLine(int in) {
+  std::string line;
+  pollfd readable{in, POLLIN, 0};
+  while (poll(&readable, 1, startLimitMilliseconds) > 0) {
+    char character = 0;
+    if (read(in, &character, 1) != 1 || character == '\n') break;
+    line += character;
+  }
+  return line;
+}
+
+}  // namespace
+
+XServer::XServer() {
+  std::array<int, 2> ends{};
+  if (pipe(ends.data()) != 0) fatalError("no pipe for the test's X server");
+  const pid_t parent = getpid();
+  process_ = fork();
+  if (process_ == 0) {
+    close(ends[0]);
+    becomeServer(ends[1], parent);
+  }
+  close(ends[1]);
+  const std::string number = readLine(ends[0]);
+  close(ends[0]);
+  if (number.empty()) fatalError("the test's X server (Xvfb) did not start");
+  display_ = ":" + number;
+  setenv("DISPLAY", display_.c_str(), 1);
+}
+
+XServer::~XServer() {
+  kill();
+}
+
+void XServer::kill() {
+  const pid_t process = std::exchange(process_, -1);
+  if (process <= 0) return;
+  ::kill(process, SIGTERM);  // not SIGKILL, which would leave the display's lock file behind
+  waitpid(process, nullptr, 0);
+}
+
+}  // namespace tavelle::x11::tests
