@@ -1,0 +1,71 @@
+#include "app/AppDelegate.h"
+
+#include "hotkeys/HotkeyManager.h"
+#include "platform/Platform.h"
+#include "settings/SettingsManager.h"
+
+#include <functional>
+
+namespace tavelle {
+
+AppDelegate::AppDelegate(Platform& platform)
+    : platform_(platform),
+      notifications_(platform.userNotificationCenter()),
+      clipboardManager_(platform.generalPasteboard()) {}
+
+void AppDelegate::applicationDidFinishLaunching() {
+  setupMenuBar();
+  registerHotkeys();
+  if (!platform_.accessibility().isProcessTrusted()) askForAccessibility();
+  platform_.userNotificationCenter().requestAuthorization(AuthorizationOptions::alert | AuthorizationOptions::sound,
+                                                          [](bool) {});
+  // Every later list; the present one is registered already.
+  cancellables_.push_back(SettingsManager::shared().publishedProfiles().subscribeDroppingFirst(
+      [weak = weak_from_this()](const std::vector<RewriteProfile>& profiles) {
+        if (!weak.expired()) HotkeyManager::shared().registerAll(profiles);
+      }));
+}
+
+void AppDelegate::setupMenuBar() {
+  statusItem_ = platform_.systemStatusBar().statusItemWithLength(squareStatusItemLength);
+  if (statusItem_->hasButton()) {
+    if (const auto image = platform_.mainBundle().imageNamed("MenuBarIcon")) {
+      image->setTemplate(true);
+      statusItem_->setButtonImage(image);
+    }
+  }
+  statusItem_->setMenu(menu());
+}
+
+Menu AppDelegate::menu() {
+  const auto calling = [weak = weak_from_this()](void (AppDelegate::*action)()) {
+    return [weak, action] {
+      if (const auto self = weak.lock()) std::invoke(action, *self);
+    };
+  };
+  return {
+      {.title = "Reword Selection", .action = calling(&AppDelegate::rewordAction), .keyEquivalent = ""},
+      MenuItem::separator(),
+      {.title = "Settings...", .action = nullptr, .keyEquivalent = ","},  // disabled until there is a window to open
+      MenuItem::separator(),
+      {.title = "Quit Tavelle", .action = calling(&AppDelegate::quitApp), .keyEquivalent = "q"},
+  };
+}
+
+void AppDelegate::registerHotkeys() {
+  HotkeyManager& hotkeys = HotkeyManager::shared();
+  hotkeys.onProfileHotkeyPressed = [weak = weak_from_this()](UUID profileID) {
+    if (const auto self = weak.lock()) self->performReword(profileID);
+  };
+  hotkeys.registerAll(SettingsManager::shared().profiles());
+}
+
+void AppDelegate::askForAccessibility() {
+  platform_.accessibility().isProcessTrustedWithOptions({{trustedCheckOptionPrompt, true}});
+}
+
+void AppDelegate::quitApp() {
+  platform_.application().terminate();
+}
+
+}  // namespace tavelle
