@@ -1,0 +1,85 @@
+"""Keys as a person presses them: by their place on the keyboard, whatever letter the layout puts there."""
+
+from contextlib import contextmanager
+
+from Xlib import X, XK, display, error
+from Xlib.ext import xtest
+
+# X key codes: the evdev code of the key and 8.
+KEYS = {
+    "Escape": 9, "BackSpace": 22, "Tab": 23, "R": 27, "T": 28, "Return": 36, "Control": 37, "A": 38, "S": 39, "G": 42, "H": 43,
+    "Shift": 50, "X": 53, "C": 54, "V": 55, "slash": 61, "Alt": 64, "space": 65, "CapsLock": 66, "NumLock": 77,
+    "Home": 110, "Up": 111, "Right": 114, "End": 115, "Down": 116, "Super": 133,
+}  # fmt: skip
+
+
+def close_display(connection):
+    try:
+        connection.close()
+    except error.ConnectionClosedError:
+        pass  # the server has ended already
+
+
+class Keyboard:
+    """The keyboard of one X server, by XTEST."""
+
+    def __init__(self, display_name):
+        self._display = display.Display(display_name)
+
+    def close(self):
+        close_display(self._display)
+
+    def press(self, key):
+        self._key(X.KeyPress, key)
+
+    def release(self, key):
+        self._key(X.KeyRelease, key)
+
+    def chord(self, *keys):
+        """All down in order, then up in the opposite order: chord("Control", "A")."""
+        with self.held(*keys):
+            pass
+
+    @contextmanager
+    def held(self, *keys):
+        for key in keys:
+            self.press(key)
+        try:
+            yield
+        finally:
+            for key in reversed(keys):
+                self.release(key)
+
+    def type(self, text):
+        """Types what the layout has keys for."""
+        for character in text:
+            keysym = XK.XK_Return if character == "\n" else ord(character)
+            code, level = next(iter(self._display.keysym_to_keycodes(keysym)))
+            with self.held(*["Shift"] * level):
+                for event in (X.KeyPress, X.KeyRelease):
+                    xtest.fake_input(self._display, event, code)
+            self._display.sync()
+
+    def _key(self, event, key):
+        xtest.fake_input(self._display, event, KEYS[key])
+        self._display.sync()
+
+
+class Pointer:
+    """The pointer of one X server."""
+
+    def __init__(self, display_name):
+        self._display = display.Display(display_name)
+
+    def close(self):
+        close_display(self._display)
+
+    def click(self, x, y, button=1):
+        xtest.fake_input(self._display, X.MotionNotify, x=int(x), y=int(y))
+        xtest.fake_input(self._display, X.ButtonPress, button)
+        xtest.fake_input(self._display, X.ButtonRelease, button)
+        self._display.sync()
+
+    def move(self, x, y):
+        xtest.fake_input(self._display, X.MotionNotify, x=int(x), y=int(y))
+        self._display.sync()

@@ -1,0 +1,254 @@
+"""A private virtual desktop: screen, window manager, session bus, keyring, notification daemon, tray.
+
+Nothing of the caller's environment reaches it, and nothing of it outlives it.
+"""
+
+import atexit
+import os
+import pwd
+import shutil
+import signal
+import sys
+import tempfile
+from dataclasses import dataclass
+from pathlib import Path
+
+from gi.repository import GLib
+
+from . import configuration
+from .keyboard import Keyboard, Pointer
+from .notifications import NotificationRecorder, connect
+from .processes import MARK, Processes
+from .screen import Screen
+from .waiting import wait_until
+
+KEYRING_PASSWORD = "of the private desktop"
+
+
+@dataclass(frozen=True)
+class Options:
+    """What a desktop has. Each can be absent on a person's desktop too."""
+
+    keyring: str = "unlocked"  # or "locked" (once its keys are stored), or "absent"
+    notifications: bool = True
+    tray: bool = True
+    physical_keyboard: bool = False  # a keyboard that is another device than the one synthetic keys come from
+    clipboard_manager: str = ""  # or "xfsettingsd", "clipman"
+    screen: str = "1280x800"
+
+
+class Desktop:
+    """Use as a context manager, or start() and stop()."""
+
+    def __init__(self, options=Options(), logs=None):
+        self.options = options
+        self._person = person_name()
+        self.folder = Path(tempfile.mkdtemp(prefix="tavelle-desktop-"))
+        self.home = self.folder / "home"
+        self.documents = self.home / "documents"
+        self.logs = Path(logs) if logs else self.folder / "logs"
+        for folder in (self.home, self.documents, self.folder / "run", self.folder / "services"):
+            folder.mkdir(mode=0o700)
+        self.logs.mkdir(parents=True, exist_ok=True)
+        self.processes = Processes(self._clean_environment(), self.logs)
+        self.screen = self.keyboard = self.pointer = self.bus = self.notifications = None
+        self._server = self._bus_daemon = self._keyring = self._panel = None
+        self._closing = []
+
+    def __enter__(self):
+        return self.start()
+
+    def __exit__(self, *_exception):
+        self.stop()
+
+    def start(self):
+        atexit.register(self.stop)  # for a program that is interrupted
+        end_in_order_when_told_to()
+        try:
+            self._start()
+        except BaseException:
+            self.stop()
+            raise
+        return self
+
+    def stop(self):
+        atexit.unregister(self.stop)
+        for close in reversed(self._closing):
+            close()
+        self._closing.clear()
+        self.processes.end_all()
+        shutil.rmtree(self.folder, ignore_errors=True)
+
+    @property
+    def environment(self):
+        return self.processes.environment
+
+    @property
+    def display_name(self):
+        return self.environment["DISPLAY"]
+
+    def screenshot(self, path):
+        self.processes.run("import", "-display", self.display_name, "-window", "root", path, within=20)
+        return path
+
+    def name_is_owned(self, name):
+        answer = self.bus.call_sync("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameHasOwner",
+                                    GLib.Variant("(s)", (name,)), None, 0, 5000, None)  # fmt: skip
+        return answer.unpack()[0]
+
+    def wait_for_name(self, name, within=15.0):
+        wait_until(lambda: self.name_is_owned(name), f"{name} is on the session bus", within)
+
+    def tray_items(self):
+        """The service names of the status items that the tray host knows."""
+        answer = self.bus.call_sync("org.kde.StatusNotifierWatcher", "/StatusNotifierWatcher", "org.freedesktop.DBus.Properties",
+                                    "Get", GLib.Variant("(ss)", ("org.kde.StatusNotifierWatcher", "RegisteredStatusNotifierItems")),
+                                    None, 0, 5000, None)  # fmt: skip
+        return answer.unpack()[0]
+
+    def start_tray(self):
+        """A panel with a task list and a status tray, the tray at its right end."""
+        configuration.write_panel(self.home / ".config")
+        self._panel = self.processes.start("panel", "xfce4-panel", "--disable-wm-check", "--sm-client-disable")
+        self.wait_for_name("org.kde.StatusNotifierWatcher", within=20)
+
+    def end_tray(self):
+        self.processes.end(self._panel)
+        wait_until(lambda: not self.name_is_owned("org.kde.StatusNotifierWatcher"), "the panel has ended")
+
+    def start_clipboard_manager(self):
+        if self.options.clipboard_manager == "xfsettingsd":
+            self.processes.start("clipboard-manager", "xfsettingsd", "--disable-wm-check", "--no-daemon")
+        else:
+            self.processes.start("clipboard-manager", "xfce4-clipman")
+        wait_until(lambda: self.screen.selection_owner("CLIPBOARD_MANAGER"), "a clipboard manager")
+
+    def lock_keyring(self):
+        """The daemon starts again without its password, as after a log-in without one."""
+        self.processes.end(self._keyring)
+        wait_until(lambda: not self.name_is_owned("org.freedesktop.secrets"), "the keyring has ended")
+        self._start_keyring(unlock=False)
+
+    def end_session_bus(self):
+        self.processes.end(self._bus_daemon)
+
+    def end_screen(self):
+        """The X server goes, and with it every window."""
+        self.processes.end(self._server)
+
+    def screen_runs(self):
+        return self._server.poll() is None
+
+    def set_layout(self, *arguments):
+        """Changes the layout as a person's settings do: set_layout("de"), set_layout("us,ru", "-option", ...)."""
+        self.processes.run("setxkbmap", *arguments)
+
+    def _start(self):
+        self._start_screen()
+        self._start_bus()
+        openbox = self.processes.start("window-manager", "openbox", "--sm-disable")
+        wait_until(self.screen.window_manager_runs, lambda: f"a window manager ({openbox.poll()})")
+        if self.options.keyring != "absent":
+            self._start_keyring(unlock=True)
+        if self.options.notifications:
+            self._start_notification_daemon()
+        self.notifications = self._keep(NotificationRecorder(self.environment["DBUS_SESSION_BUS_ADDRESS"]))
+        if self.options.tray:
+            self.start_tray()
+        if self.options.clipboard_manager:
+            self.start_clipboard_manager()
+
+    def _start_screen(self):
+        size = self.options.screen
+        if self.options.physical_keyboard:
+            host = self._x_server("host-screen", "Xvfb", "-screen", "0", f"{size}x24")
+            self.environment["DISPLAY"] = host
+            self.environment["DISPLAY"] = self._x_server("screen", "Xephyr", "-screen", size, "-no-host-grab")
+            self.keyboard = self._keep(Keyboard(host))
+            host_screen = self._keep(Screen(host))
+            host_screen.focus_without_window_manager(host_screen.find_windows(lambda names, _title: "Xephyr" in names)[0])
+        else:
+            self.environment["DISPLAY"] = self._x_server("screen", "Xvfb", "-screen", "0", f"{size}x24")
+            self.keyboard = self._keep(Keyboard(self.display_name))
+        self.synthetic_keyboard = self._keep(Keyboard(self.display_name))
+        self.pointer = self._keep(Pointer(self.display_name))
+        self.screen = self._keep(Screen(self.display_name))
+        self.processes.run("xsetroot", "-solid", "#37526b")
+
+    def _x_server(self, name, *command):
+        """Starts a server on a free display, which it tells through a pipe once it serves."""
+        told, tells = os.pipe()
+        try:
+            server = self.processes.start(name, *command, "-noreset", "-nolisten", "tcp", "-displayfd", tells, pass_fds=[tells])
+        finally:
+            os.close(tells)
+        with os.fdopen(told) as pipe:
+            number = pipe.readline().strip()
+        if not number:
+            raise RuntimeError(f"{command[0]} did not start ({server.wait()}); see {self.logs / name}.log")
+        self._server = server
+        return f":{number}"
+
+    def _start_bus(self):
+        config = self.folder / "bus.conf"
+        config.write_text(configuration.bus(self.folder), encoding="utf-8")
+        configuration.copy_services(self.folder / "services")
+        self._bus_daemon = self.processes.start("bus", "dbus-daemon", f"--config-file={config}", "--nofork", "--nopidfile")
+        self.bus = wait_until(self._connect_to_bus, "a session bus")
+
+    def _connect_to_bus(self):
+        try:
+            return connect(self.environment["DBUS_SESSION_BUS_ADDRESS"])
+        except GLib.Error:
+            return None  # it does not listen yet
+
+    def _start_keyring(self, unlock):
+        data = self.home / ".local" / "share" / "keyrings"
+        data.mkdir(parents=True, exist_ok=True)
+        (data / "default").write_text("login", encoding="ascii")
+        password, gives = os.pipe()
+        os.write(gives, KEYRING_PASSWORD.encode())
+        os.close(gives)
+        command = ["gnome-keyring-daemon", "--foreground", "--components=secrets",
+                   f"--control-directory={self.folder / 'run' / 'keyring'}"]  # fmt: skip
+        self._keyring = self.processes.start("keyring", *command, *(["--unlock"] if unlock else []), stdin=password)
+        os.close(password)
+        self.wait_for_name("org.freedesktop.secrets")
+
+    def _start_notification_daemon(self):
+        config = configuration.write_dunst(self.home / ".config")
+        self.processes.start("notification-daemon", "dunst", "-conf", config)
+        self.wait_for_name("org.freedesktop.Notifications")
+
+    def _keep(self, resource):
+        self._closing.append(resource.close)
+        return resource
+
+    def _clean_environment(self):
+        config = self.home / ".config"
+        configuration.write_application_settings(config)
+        return {
+            MARK: str(self.folder), "HOME": str(self.home), "USER": self._person, "LOGNAME": self._person, "SHELL": "/bin/sh",
+            "PATH": "/usr/local/bin:/usr/bin:/bin", "LANG": "C.UTF-8", "XDG_RUNTIME_DIR": str(self.folder / "run"),
+            "XDG_CONFIG_HOME": str(config), "XDG_DATA_HOME": str(self.home / ".local" / "share"),
+            "XDG_CACHE_HOME": str(self.home / ".cache"), "XDG_STATE_HOME": str(self.home / ".local" / "state"),
+            "XDG_CONFIG_DIRS": str(self.home / "none"), "XDG_DATA_DIRS": "/usr/local/share:/usr/share",
+            "XDG_SESSION_TYPE": "x11", "XDG_CURRENT_DESKTOP": "XFCE", "GDK_BACKEND": "x11", "QT_QPA_PLATFORM": "xcb",
+            "DBUS_SESSION_BUS_ADDRESS": f"unix:path={self.folder / 'run' / 'bus'}",
+            "GSETTINGS_BACKEND": "keyfile", "GIO_USE_VFS": "local", "NO_AT_BRIDGE": "1", "GTK_A11Y": "none",
+            "GSK_RENDERER": "cairo", "LIBGL_ALWAYS_SOFTWARE": "1",
+        }  # fmt: skip
+
+
+def end_in_order_when_told_to():
+    """A signal to end takes the desktop down as well."""
+    for number in (signal.SIGTERM, signal.SIGHUP):
+        if signal.getsignal(number) is signal.SIG_DFL:
+            signal.signal(number, lambda received, _frame: sys.exit(128 + received))
+
+
+def person_name():
+    try:
+        return pwd.getpwuid(os.getuid()).pw_name
+    except KeyError:
+        raise RuntimeError(f"user {os.getuid()} has no name here, and a session bus serves nobody without one") from None

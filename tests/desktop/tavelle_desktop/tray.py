@@ -1,0 +1,63 @@
+"""The one status item in the panel's tray, found and used as a person does: by what is on the screen."""
+
+from gi.repository import GLib
+
+from .waiting import TimedOut, wait_until
+
+FIRST = 0.0  # the uppermost entry of a menu
+LAST = 1.0
+
+
+class Tray:
+    def __init__(self, desktop):
+        self._desktop = desktop
+
+    def wait_for_item(self):
+        wait_until(self._desktop.tray_items, "a status item in the tray", within=15)
+        wait_until(self._item_place, "the status item on the screen")
+
+    def open_menu(self, button=3):
+        """Clicks the item and returns where the menu is. A click that the panel was not ready for is made again."""
+        self.wait_for_item()
+        before = {window.id for window, _ in self._desktop.screen.top_windows()}
+
+        def menu():
+            new = [place for window, place in self._desktop.screen.top_windows() if window.id not in before]
+            return next((place for place in new if place.width > 60 and place.height > 60), None)
+
+        def click():
+            place = self._item_place()
+            self._desktop.pointer.click(place.x + place.width / 2, place.y + place.height / 2, button)
+            try:
+                return wait_until(menu, "the menu", within=2.0)
+            except TimedOut:
+                return None
+
+        return wait_until(click, "the status item's menu", within=10)
+
+    def choose(self, entry):
+        """Clicks an entry of the menu: FIRST or LAST."""
+        place = self.open_menu()
+        half_entry = place.height / 8  # three entries, two separators, the frame
+        y = place.y + half_entry + entry * (place.height - 2 * half_entry)
+        x = place.x + place.width / 2
+        for step in (3, 0):  # an entry lights up when the pointer comes to it
+            self._desktop.pointer.move(x - step, y)
+        self._desktop.pointer.click(x, y)
+
+    def menu_labels(self):
+        """The menu as the panel is told of it; None stands for a separator."""
+        name, _, path = self._desktop.tray_items()[0].partition("/")
+        menu = self._call(name, "/" + path, "org.freedesktop.DBus.Properties", "Get",
+                          GLib.Variant("(ss)", ("org.kde.StatusNotifierItem", "Menu")))[0]  # fmt: skip
+        _, (_, _, children) = self._call(name, menu, "com.canonical.dbusmenu", "GetLayout", GLib.Variant("(iias)", (0, -1, [])))
+        return [None if properties.get("type") == "separator" else properties["label"] for _, properties, _ in children]
+
+    def _call(self, name, path, interface, method, arguments):
+        return self._desktop.bus.call_sync(name, path, interface, method, arguments, None, 0, 5000, None).unpack()
+
+    def _item_place(self):
+        """The tray is the panel's only plug-in with a process of its own; with one item in it, its window is the item."""
+        plugs = self._desktop.screen.find_windows(lambda names, _title: "Wrapper-2.0" in names)
+        places = [self._desktop.screen.place(window) for window in plugs]
+        return next((place for place in places if place.width >= 16), None)

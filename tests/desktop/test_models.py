@@ -1,0 +1,93 @@
+"""A model that fails: the right words, the clipboard back, the text untouched, and the next run as if nothing had been."""
+
+import json
+
+from tavelle_desktop.journey import DONE, REWRITING, TEXT, DesktopTest
+from tavelle_desktop.model import Model, answer, reworded
+
+TOO_MANY = json.dumps({"error": {"message": "You <b>are</b> asking & asking", "type": "rate_limit", "code": None}})
+
+
+class Failures(DesktopTest):
+    def check(self, behaviour, expected=None):
+        """`expected`: the notification that ends the run; where it is left out, only its beginning is known."""
+        good = self.model.behaviour
+        self.start_tavelle()
+        self.open()
+        self.own_clipboard()
+        self.model.behaviour = behaviour
+        ended = self.press_and_wait(expected)
+        self.assertTrue(ended.body.startswith("Error: "), ended.body)
+        self.assert_clipboard_is_back()
+        self.assert_bodies(REWRITING, ended.body)
+        self.assertEqual(self.app.text(), TEXT)
+        self.model.behaviour = good
+        self.assert_rewords()
+        self.assertNotIn("made-up key", self.tavelle.output())
+        return ended
+
+    def test_401(self):
+        self.check(lambda _: (401, b"no such key"), "Error: API error (401): no such key")
+
+    def test_429_with_a_json_body_shows_it_as_it_is(self):
+        ended = self.check(lambda _: (429, TOO_MANY.encode()), f"Error: API error (429): {TOO_MANY}")
+        self.assertNotIn("<b>", ended.markup)
+
+    def test_500_with_a_body_that_is_not_utf_8(self):
+        self.check(lambda _: (500, b"\xff\xfe broken \xc3"), "Error: API error (500): Unknown error")
+
+    def test_201_is_an_error(self):
+        self.check(lambda text: (201, answer(text)[1]), f"Error: API error (201): {answer(TEXT)[1].decode()}")
+
+    def test_no_choices(self):
+        self.check(lambda _: (200, b'{"choices":[]}'), "Error: Failed to parse response")
+
+    def test_content_that_is_null(self):
+        self.check(lambda _: (200, b'{"choices":[{"message":{"content":null}}]}'), "Error: Failed to parse response")
+
+    def test_another_object(self):
+        self.check(lambda _: (200, b'{"answer":"yes"}'), "Error: Failed to parse response")
+
+    def test_an_array(self):
+        self.check(lambda _: (200, b"[1, 2]"), "Error: Failed to parse response")
+
+    def test_no_json_at_all(self):
+        self.check(lambda _: (200, b"<html>It works!</html>"))
+
+    def test_an_empty_body(self):
+        self.check(lambda _: (200, b""))
+
+    def test_a_bare_string(self):
+        self.check(lambda _: (200, b'"text"'))
+
+    def test_a_connection_that_ends_without_an_answer(self):
+        self.check(lambda _: None)
+
+
+class Connection(DesktopTest):
+    def test_a_refused_connection_is_told_and_the_next_run_works(self):
+        self.start_tavelle()
+        self.open()
+        self.own_clipboard()
+        port = self.model.port
+        self.model.close()
+        self.press_and_wait("Error: Could not connect to the server.")
+        self.assert_clipboard_is_back()
+        self.assertEqual(self.app.text(), TEXT)
+        self.model = self._closed_later(Model(port=port))
+        self.assert_rewords()
+
+    def test_the_stored_key_is_sent(self):
+        self.start_tavelle()
+        self.open()
+        self.press_and_wait()
+        self.assertEqual(self.model.requests[0][0]["Authorization"], "Bearer made-up key")
+
+    def test_every_notification_is_a_new_one(self):
+        self.start_tavelle()
+        self.open()
+        self.press_and_wait()
+        self.assert_rewords(reworded(TEXT))
+        sent = self.desktop.notifications.sent
+        self.assertEqual([(one.title, one.replaces, one.body) for one in sent],
+                         [("Tavelle", 0, REWRITING), ("Tavelle", 0, DONE)] * 2)  # fmt: skip
