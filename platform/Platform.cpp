@@ -3,7 +3,7 @@
 #include "platform/FatalError.h"
 #include "platform/Shared.h"
 
-#include <ranges>
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -31,7 +31,7 @@ Platform::Use::Use(Platform& platform) {
 
 Platform::Use::~Use() {
   const auto list = std::exchange(endings(), {});
-  for (auto* const forget : list | std::views::reverse) forget();
+  std::for_each(list.rbegin(), list.rend(), [](auto* forget) { forget(); });
   inUse = nullptr;
 }
 

@@ -38,7 +38,7 @@ ModifierMap ModifierMap::read(Connection& connection) {
     for (int i = 0; i < modifierCount * modifiers->keycodes_per_modifier; ++i) {
       if (keys[i] < first) continue;  // 0 fills up the row
       const auto mask = static_cast<std::uint16_t>(1 << i / modifiers->keycodes_per_modifier);
-      map.learn(mask, keys[i], table + (keys[i] - first) * perKey, perKey);
+      map.learn(mask, keys[i], table + std::ptrdiff_t{keys[i] - first} * perKey, perKey);
     }
   }
   if (map.alt_ == 0) map.alt_ = XCB_MOD_MASK_1;
