@@ -1,6 +1,6 @@
 #include "platform/linux/CurlErrors.h"
 
-#include "platform/linux/CurlHandles.h"
+#include "platform/linux/WebAddress.h"
 
 #include <algorithm>
 #include <array>
@@ -62,14 +62,10 @@ constexpr Mapping mappings[] = {
 };
 
 // The host that the transfer last spoke to.
-std::string hostOf(CURL* handle) {
-  const char* text = nullptr;
-  const CurlURL url{curl_url()};
-  if (curl_easy_getinfo(handle, CURLINFO_EFFECTIVE_URL, &text) != CURLE_OK || !text || !url) return {};
-  char* host = nullptr;
-  if (curl_url_set(url.get(), CURLUPART_URL, text, 0) != CURLUE_OK) return {};
-  if (curl_url_get(url.get(), CURLUPART_HOST, &host, 0) != CURLUE_OK) return {};
-  return CurlString{host}.get();
+std::string lastHost(CURL* handle) {
+  const char* address = nullptr;
+  curl_easy_getinfo(handle, CURLINFO_EFFECTIVE_URL, &address);
+  return address ? hostOf(address) : std::string{};
 }
 
 bool isNetworkUnreachable(CURL* handle) {
@@ -105,7 +101,7 @@ URLError transferError(CURL* handle, CURLcode result) {
   if (found->code != Code::serverCertificateUntrusted) return urlError(found->code);
   return {found->code,
           "The certificate for this server is invalid. You might be connecting to a server that is pretending to be “" +
-              hostOf(handle) + "” which could put your confidential information at risk."};
+              lastHost(handle) + "” which could put your confidential information at risk."};
 }
 
 }  // namespace tavelle

@@ -2,16 +2,16 @@
 
 #include "platform/linux/CurlErrors.h"
 #include "platform/linux/TrustStore.h"
+#include "platform/linux/WebAddress.h"
 
 #include <algorithm>
 #include <exception>
-#include <optional>
 #include <utility>
 
 namespace tavelle {
 namespace {
 
-constexpr long mostRedirects = 20;
+constexpr int mostRedirections = 20;
 constexpr const char* webSchemes = "http,https";
 constexpr const char* secureScheme = "https";
 constexpr long receiveBufferSize = 64L * 1024;
@@ -21,6 +21,18 @@ constexpr curl_off_t mostReserved = 64L * 1024 * 1024;
 std::string headerLine(const std::string& name, const std::string& value) {
   const bool isBlank = value.find_first_not_of(" \t") == std::string::npos;
   return isBlank ? name + ";" : name + ": " + value;
+}
+
+// Where the answer at hand sends the request, as an absolute URL; null where it does not.
+const char* redirectionTarget(CURL* handle) {
+  const char* target = nullptr;
+  curl_easy_getinfo(handle, CURLINFO_REDIRECT_URL, &target);
+  return target;
+}
+
+// A POST becomes a GET after 301, 302 and 303, and stays one after 307 and 308 (RFC 9110, 15.4).
+bool becomesGet(long status, const std::string& method) {
+  return method != "HEAD" && (status == 303 || (method == "POST" && (status == 301 || status == 302)));
 }
 
 }  // namespace
@@ -42,10 +54,9 @@ Transfer* Transfer::of(CURL* handle) {
 
 CURL* Transfer::prepare() {
   handle_.reset(curl_easy_init());
-  if (!handle_ || !addHeaders()) return nullptr;
+  if (!handle_ || !setHeaders(false) || !setAddress(request_.url.absoluteString())) return nullptr;
   noteActivity();
   setConnectionOptions();
-  setRedirectOptions();
   setMessageOptions();
   setCallbacks();
   return handle_.get();
@@ -53,7 +64,7 @@ CURL* Transfer::prepare() {
 
 void Transfer::setConnectionOptions() {
   CURL* handle = handle_.get();
-  curl_easy_setopt(handle, CURLOPT_URL, request_.url.absoluteString().c_str());
+  curl_easy_setopt(handle, CURLOPT_PROTOCOLS_STR, request_.url.scheme() == secureScheme ? secureScheme : webSchemes);
   curl_easy_setopt(handle, CURLOPT_PATH_AS_IS, 1L);
   curl_easy_setopt(handle, CURLOPT_NOSIGNAL, 1L);
   curl_easy_setopt(handle, CURLOPT_TCP_NODELAY, 1L);
@@ -63,15 +74,31 @@ void Transfer::setConnectionOptions() {
   setTrustedAuthorities(handle, authorities_);
 }
 
-// A POST becomes a GET after 301, 302 and 303, and stays one after 307 and 308. The Authorization header does not go to
-// another host, and nothing that was sent encrypted is sent again in the open.
-void Transfer::setRedirectOptions() {
+// A proxy is for what lies beyond this machine: it would look for a local model on its own.
+bool Transfer::setAddress(const std::string& address) {
+  if (curl_easy_setopt(handle_.get(), CURLOPT_URL, address.c_str()) != CURLE_OK) return false;
+  return curl_easy_setopt(handle_.get(), CURLOPT_PROXY, isOnThisMachine(address.c_str()) ? "" : nullptr) == CURLE_OK;
+}
+
+// libcurl would follow by itself, but it keeps only the Authorization from strangers, and a key may travel in any
+// header. Nothing that was sent encrypted is sent again in the open.
+bool Transfer::followRedirection() {
   CURL* handle = handle_.get();
-  curl_easy_setopt(handle, CURLOPT_PROTOCOLS_STR, webSchemes);
-  const bool isSecure = request_.url.scheme() == secureScheme;
-  curl_easy_setopt(handle, CURLOPT_REDIR_PROTOCOLS_STR, isSecure ? secureScheme : webSchemes);
-  curl_easy_setopt(handle, CURLOPT_FOLLOWLOCATION, 1L);
-  curl_easy_setopt(handle, CURLOPT_MAXREDIRS, mostRedirects);
+  const char* const target = redirectionTarget(handle);
+  if (!target || redirections_ == mostRedirections) return false;
+  ++redirections_;
+  const std::string address{target};
+  long status = 0;
+  curl_easy_getinfo(handle, CURLINFO_RESPONSE_CODE, &status);
+  if (becomesGet(status, request_.method)) {
+    curl_easy_setopt(handle, CURLOPT_CUSTOMREQUEST, nullptr);
+    curl_easy_setopt(handle, CURLOPT_HTTPGET, 1L);
+  }
+  const bool isStranger = !isSameOrigin(address.c_str(), request_.url.absoluteString().c_str());
+  if (isStranger && !setHeaders(true)) return false;
+  body_.clear();
+  noteActivity();
+  return setAddress(address);
 }
 
 void Transfer::setMessageOptions() {
@@ -84,7 +111,6 @@ void Transfer::setMessageOptions() {
     curl_easy_setopt(handle, CURLOPT_POSTFIELDS, request_.body.data());  // read where it is
     if (request_.method != "POST") curl_easy_setopt(handle, CURLOPT_CUSTOMREQUEST, request_.method.c_str());
   }
-  curl_easy_setopt(handle, CURLOPT_HTTPHEADER, headers_.get());
   curl_easy_setopt(handle, CURLOPT_USERAGENT, "Tavelle/" TAVELLE_VERSION);
   curl_easy_setopt(handle, CURLOPT_ACCEPT_ENCODING, "");  // every one that libcurl can decode
   curl_easy_setopt(handle, CURLOPT_BUFFERSIZE, receiveBufferSize);
@@ -104,17 +130,23 @@ void Transfer::setCallbacks() {
   curl_easy_setopt(handle, CURLOPT_NOPROGRESS, 0L);
 }
 
-bool Transfer::addHeaders() {
-  const auto add = [this](const std::string& line) {
-    auto* longer = curl_slist_append(headers_.get(), line.c_str());
+bool Transfer::setHeaders(bool toStranger) {
+  CurlList list;
+  const auto add = [&list](const std::string& line) {
+    auto* longer = curl_slist_append(list.get(), line.c_str());
     if (!longer) return false;
-    static_cast<void>(headers_.release());
-    headers_.reset(longer);
+    static_cast<void>(list.release());
+    list.reset(longer);
     return true;
   };
-  return add("Expect:") &&  // or a large body would wait a second for a go-ahead that few servers send
-         std::all_of(request_.headers.begin(), request_.headers.end(),
-                     [&add](const auto& header) { return add(headerLine(header.first, header.second)); });
+  if (!add("Expect:")) return false;  // or a large body would wait a second for a go-ahead that few servers send
+  for (const auto& [name, value] : request_.headers) {
+    if (toStranger && curl_strequal(name.c_str(), "Content-Type") == 0) continue;
+    if (!add(headerLine(name, value))) return false;
+  }
+  curl_easy_setopt(handle_.get(), CURLOPT_HTTPHEADER, list.get());
+  headers_ = std::move(list);
+  return true;
 }
 
 bool Transfer::append(const char* bytes, std::size_t count) {
@@ -151,6 +183,10 @@ int Transfer::onProgress(void* transfer, curl_off_t, curl_off_t received, curl_o
 void Transfer::finish(CURLcode result) {
   if (result != CURLE_OK) {
     reply_->deliver(transferError(handle_.get(), result));
+    return;
+  }
+  if (redirectionTarget(handle_.get())) {
+    reply_->deliver(urlError(URLError::Code::httpTooManyRedirects));
     return;
   }
   long status = 0;

@@ -40,16 +40,19 @@ class Transfer {
   // When the silence will have been too long.
   Clock::time_point deadline() const { return lastActivity_ + longestSilence_; }
 
+  // True where the answer at hand sends the request elsewhere: the handle is then ready to be driven again.
+  bool followRedirection();
+
   // Hands over the answer, or the error.
   void finish(CURLcode result);
   void finish(URLError error) { reply_->deliver(std::move(error)); }
 
  private:
   void setConnectionOptions();
-  void setRedirectOptions();
+  bool setAddress(const std::string& address);
   void setMessageOptions();
   void setCallbacks();
-  bool addHeaders();
+  bool setHeaders(bool toStranger);
   bool append(const char* bytes, std::size_t count);
 
   static std::size_t onBody(char* bytes, std::size_t size, std::size_t count, void* transfer);
@@ -61,6 +64,7 @@ class Transfer {
   const std::string authorities_;
   const std::shared_ptr<TransferReply> reply_;
   Data body_;
+  int redirections_ = 0;
   curl_off_t moved_ = 0;
   Clock::time_point lastActivity_;
   CurlList headers_;

@@ -146,10 +146,7 @@ void TransferLoop::remove(Transfer& transfer) {
   if (found == transfers_.end()) return;
   const auto kept = std::move(*found);
   transfers_.erase(found);
-  curl_multi_remove_handle(multi_.get(), transfer.handle());
-  for (auto& [descriptor, socket] : sockets_) {
-    if (socket.transfer == &transfer) socket.transfer = nullptr;
-  }
+  letGo(transfer);
 }
 
 void TransferLoop::waitForEvents() {
@@ -200,8 +197,23 @@ void TransferLoop::finishDone() {
   while (const CURLMsg* message = curl_multi_info_read(multi_.get(), &left)) {
     if (message->msg != CURLMSG_DONE) continue;
     auto& transfer = *Transfer::of(message->easy_handle);
-    transfer.finish(message->data.result);
+    const auto result = message->data.result;
+    if (result == CURLE_OK && transfer.followRedirection() && drive(transfer)) continue;
+    transfer.finish(result);
     remove(transfer);
+  }
+}
+
+// Once more from the start, with what the transfer's handle says now.
+bool TransferLoop::drive(Transfer& transfer) {
+  letGo(transfer);
+  return curl_multi_add_handle(multi_.get(), transfer.handle()) == CURLM_OK;
+}
+
+void TransferLoop::letGo(Transfer& transfer) {
+  curl_multi_remove_handle(multi_.get(), transfer.handle());
+  for (auto& [descriptor, socket] : sockets_) {
+    if (socket.transfer == &transfer) socket.transfer = nullptr;
   }
 }
 

@@ -56,6 +56,8 @@ class TransferLoop {
   bool obeyCommands();
   void begin(std::shared_ptr<Transfer> transfer);
   void remove(Transfer& transfer);
+  bool drive(Transfer& transfer);
+  void letGo(Transfer& transfer);
   void waitForEvents();
   std::optional<Clock::time_point> nextDeadline() const;
   void serveSockets();

@@ -171,24 +171,30 @@ TEST_F(CurlURLSessionTest, followsTwentyRedirectionsInARow) {
   EXPECT_EQ(server.requests().size(), 21u);
 }
 
-TEST_F(CurlURLSessionTest, sendsTheAuthorizationToNoOtherHost) {
+TEST_F(CurlURLSessionTest, sendsNoHeaderButTheContentTypeToAnotherHost) {
   const StandIn server;
   const StandIn stranger;
   auto request = chat(server.baseURLBehaving("redirect=307,to=http%3A%2F%2F127.0.0.1%3A" +
                                              std::to_string(stranger.port()) + "%2Fv1%2Fchat%2Fcompletions"));
   request.headers.emplace_back("Authorization", "Bearer key");
+  request.headers.emplace_back("x-api-key", "key");
   load(request);
   ASSERT_EQ(stranger.requests().size(), 1u);
+  EXPECT_TRUE(server.requests().at(0).hasHeader("x-api-key"));
   EXPECT_FALSE(stranger.requests()[0].hasHeader("Authorization"));
+  EXPECT_FALSE(stranger.requests()[0].hasHeader("x-api-key"));
+  EXPECT_EQ(stranger.requests()[0].header("Content-Type"), "application/json");
 }
 
-TEST_F(CurlURLSessionTest, sendsTheAuthorizationAgainToTheSameHost) {
+TEST_F(CurlURLSessionTest, sendsEveryHeaderAgainToTheSameHost) {
   const StandIn server;
   auto request = chat(server.baseURLBehaving("redirect=307"));
   request.headers.emplace_back("Authorization", "Bearer key");
+  request.headers.emplace_back("x-api-key", "key");
   load(request);
   ASSERT_EQ(server.requests().size(), 2u);
   EXPECT_EQ(server.requests()[1].header("Authorization"), "Bearer key");
+  EXPECT_EQ(server.requests()[1].header("x-api-key"), "key");
 }
 
 TEST_F(CurlURLSessionTest, keepsNoCookies) {
@@ -229,6 +235,17 @@ TEST_F(CurlURLSessionTest, goesPastTheProxyWhereTheEnvironmentSaysSo) {
       {{"http_proxy", "http://127.0.0.1:" + std::to_string(proxy.port())}, {"no_proxy", "example.com,127.0.0.1"}}};
   EXPECT_EQ(load(chat(server.baseURL())).response.statusCode, 200);
   EXPECT_EQ(server.requests().size(), 1u);
+  EXPECT_EQ(proxy.requests().size(), 0u);
+}
+
+TEST_F(CurlURLSessionTest, asksNoProxyForThisMachine) {
+  const StandIn proxy;
+  const StandIn server;
+  const Environment environment{
+      {{"http_proxy", "http://127.0.0.1:" + std::to_string(proxy.port())}, {"no_proxy", ""}}};
+  EXPECT_EQ(load(chat(server.baseURL())).response.statusCode, 200);
+  EXPECT_EQ(load(chat("http://localhost:" + std::to_string(server.port()) + "/v1")).response.statusCode, 200);
+  EXPECT_EQ(server.requests().size(), 2u);
   EXPECT_EQ(proxy.requests().size(), 0u);
 }
 
