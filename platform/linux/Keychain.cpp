@@ -8,6 +8,12 @@
 #include <utility>
 
 namespace tavelle {
+namespace {
+
+// A service that let a call wait for its whole time is likely to do it again, and the caller stands still meanwhile.
+constexpr int patienceAfterSilence = 4;
+
+}  // namespace
 
 struct SecretServiceKeychain::Connection {
   explicit Connection(GObjectPtr<SecretService> opened) : service(std::move(opened)) {}
@@ -30,15 +36,18 @@ SecretServiceKeychain::~SecretServiceKeychain() {
 template <typename Operation>
 OSStatus SecretServiceKeychain::perform(const Operation& operation) {
   const std::lock_guard lock{mutex_};
-  BoundedCalls calls{context_.get(), limit_};
+  BoundedCalls calls{context_.get(), wasSilent_ ? limit_ / patienceAfterSilence : limit_};
   while (true) {
     const bool isFresh = !connection_;
     try {
       if (isFresh) connection_ = std::make_unique<Connection>(SecretServiceClient::open(calls));
       SecretServiceClient client{calls, connection_->service.get()};
-      return operation(client);
+      const auto status = operation(client);
+      wasSilent_ = false;
+      return status;
     } catch (const SecretServiceError& error) {
       connection_.reset();
+      wasSilent_ = calls.isTimeUp();
       if (isFresh || calls.isTimeUp()) return error.status;
     }
   }

@@ -25,7 +25,7 @@ class SecretServiceClient;
 // then, and the call that comes after the answer succeeds.
 class SecretServiceKeychain : public Keychain {
  public:
-  // `limit`: how long one call may take.
+  // `limit`: how long one call may take; a quarter of it after a call that took all of it, until one is answered.
   explicit SecretServiceKeychain(std::chrono::milliseconds limit = std::chrono::seconds(2));
   ~SecretServiceKeychain() override;
   SecretServiceKeychain(const SecretServiceKeychain&) = delete;
@@ -54,6 +54,7 @@ class SecretServiceKeychain : public Keychain {
   std::mutex mutex_;  // guards the rest
   GMainContextPtr context_;
   std::unique_ptr<Connection> connection_;  // kept from call to call; dropped when a call fails
+  bool wasSilent_ = false;
 };
 
 }  // namespace tavelle
