@@ -40,7 +40,7 @@ SelectionReader::SelectionReader(Connection& connection, MainActor& actor, xcb_a
 }
 
 void SelectionReader::startSeries() {
-  isOwnerSilent_ = false;
+  isOwnerSilent_ = hasOwnerAnswered_ = false;
   seriesTime_.reset();
 }
 
@@ -210,6 +210,7 @@ std::optional<SelectionReader::Piece> SelectionReader::moveProperty(xcb_atom_t p
 
 void SelectionReader::finish(Conversions::iterator at, Result result) {
   auto arrival = at->second.arrival;
+  hasOwnerAnswered_ = true;
   freeProperties_.push_back(at->first);
   conversions_.erase(at);
   setDeadline();
@@ -233,7 +234,7 @@ void SelectionReader::giveUpOverdue() {
       ++at;
       continue;
     }
-    if (!conversion.ownerChanged) isOwnerSilent_ = true;
+    if (!conversion.ownerChanged) isOwnerSilent_ = !std::exchange(hasOwnerAnswered_, false);
     overdue.push_back(conversion.arrival);
     if (now < conversion.begun + readLimit) retiredProperties_.insert(property);
     at = conversions_.erase(at);

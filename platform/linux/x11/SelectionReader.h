@@ -44,7 +44,8 @@ class SelectionReader {
   SelectionReader& operator=(const SelectionReader&) = delete;
 
   // Begins a new series of reads. An owner that fell silent in the last one is asked again: within a series it costs
-  // one time limit, not one for each target.
+  // one time limit, not one for each target. One that has answered before may have lost just one target's answer, and
+  // is believed silent after the second.
   void startSeries();
 
   // No value where there is no owner, the owner refuses, dies or falls silent.
@@ -104,6 +105,7 @@ class SelectionReader {
   std::set<xcb_atom_t> retiredProperties_;  // an answer may still come there
   unsigned propertiesMade_ = 0;
   std::optional<xcb_timestamp_t> seriesTime_;
+  bool hasOwnerAnswered_ = false;  // since it last let a conversion run out of time
   bool isOwnerSilent_ = false;
   Deadline deadline_;
   Subscription events_;

@@ -6,8 +6,9 @@ namespace {
 // Owners that behave badly. The limits are the reader's own, with room for a loaded machine.
 class SelectionReaderTest : public PasteboardTest {
  protected:
-  // Well below what two silent types would cost.
+  // Well below what one more silent type would cost.
   static constexpr auto oneSilence = SelectionReader::silenceLimit + SelectionReader::silenceLimit / 2;
+  static constexpr auto twoSilences = oneSilence + SelectionReader::silenceLimit;
 
   // One piece of a transfer that the test paces itself.
   void piece(const PeerOwner::Request& request, const Data& bytes) {
@@ -28,7 +29,7 @@ TEST_F(SelectionReaderTest, givesUpOnAnOwnerThatNeverAnswers) {
   EXPECT_LT(since(begin), oneSilence);
 }
 
-TEST_F(SelectionReaderTest, paysOneTimeLimitForTwentyTypesOfASilentOwner) {
+TEST_F(SelectionReaderTest, paysTwoTimeLimitsForTwentyTypesOfAnOwnerThatFellSilent) {
   for (int i = 0; i < 20; ++i) {
     owner.offer("type " + std::to_string(i), "");
     owner.ignore("type " + std::to_string(i));
@@ -38,8 +39,18 @@ TEST_F(SelectionReaderTest, paysOneTimeLimitForTwentyTypesOfASilentOwner) {
   ASSERT_TRUE(names);
   const auto begin = now();
   for (const auto& name : *names) EXPECT_EQ(data(name), std::nullopt);
-  EXPECT_LT(since(begin), oneSilence);
-  EXPECT_EQ(owner.requests().size(), 2u);
+  EXPECT_LT(since(begin), twoSilences);
+  EXPECT_EQ(owner.requests().size(), 3u);
+}
+
+TEST_F(SelectionReaderTest, losesOnlyTheTypeThatItsOwnerNeverAnswers) {
+  for (const auto* name : {"text/html", "image/png", "UTF8_STRING"}) owner.offer(name, name);
+  owner.ignore("image/png");
+  owner.own();
+  EXPECT_EQ(types(), (Types{"text/html", "image/png", "UTF8_STRING"}));
+  EXPECT_EQ(data("text/html"), "text/html");
+  EXPECT_EQ(data("image/png"), std::nullopt);
+  EXPECT_EQ(data("UTF8_STRING"), "UTF8_STRING");
 }
 
 TEST_F(SelectionReaderTest, asksASilentOwnerAgainInTheNextSeries) {
