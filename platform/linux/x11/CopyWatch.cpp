@@ -7,7 +7,7 @@ namespace tavelle::x11 {
 
 CopyWatch::CopyWatch(Connection& connection, MainActor& actor, SelectionOwner& owner)
     : owner_(owner),
-      ping_(connection, [this] { noteHandled(); }),
+      ping_(connection, [this] { noteAnswer(); }),
       patience_(actor, [this] { end(); }),
       lost_(owner.lost().subscribe([this] { end(); })) {}
 
@@ -16,10 +16,13 @@ void CopyWatch::begin(xcb_window_t focus) {
   if (!owner_.owns() || !owner_.contents()->isEmpty()) return;  // a result could not be told from what is there
   isPending_ = true;
   sent_ = Clock::now();
+  focus_ = focus;
+  answers_ = 0;
   patience_.set(ping_.send(focus) ? waitForAnswer : waitWithoutPing);
 }
 
-void CopyWatch::noteHandled() {
+void CopyWatch::noteAnswer() {
+  if (++answers_ == 1 && ping_.send(focus_)) return;
   const auto passed = std::chrono::floor<std::chrono::milliseconds>(Clock::now() - sent_);
   patience_.set(std::max(leastWait - passed, std::chrono::milliseconds{0}));
 }

@@ -19,9 +19,11 @@ namespace tavelle::x11 {
 // GTK 4 text view), or there may have been nothing to copy, which no application says. Main thread only.
 class CopyWatch {
  public:
-  // An application that has answered a ping sent after the key has handled the key. Most have taken the clipboard by
-  // then; Emacs does so from a timer, 202 ms after the key at best and up to 300 ms when it is slow to start. Not
-  // before this time is it said that nothing was selected.
+  // An application that has answered two pings, the second one sent after the first one's answer, has handled the key
+  // that was sent before them. One is not enough: GTK 4 answers as soon as it has fetched its events, while the key
+  // still waits in its own queue; it fetches more only when that queue is empty. Most have taken the clipboard by then;
+  // Emacs does so from a timer, 202 ms after the key at best and up to 300 ms when it is slow to start. Not before this
+  // time is it said that nothing was selected.
   static constexpr std::chrono::milliseconds leastWait{400};
   // What an application may take whose window never answers pings: nothing but time tells it from one with nothing
   // selected.
@@ -45,12 +47,14 @@ class CopyWatch {
  private:
   using Clock = std::chrono::steady_clock;
 
-  void noteHandled();
+  void noteAnswer();
   void end();
 
   SelectionOwner& owner_;
   bool isPending_ = false;
   Clock::time_point sent_;
+  xcb_window_t focus_ = XCB_WINDOW_NONE;
+  int answers_ = 0;
   WindowPing ping_;
   Deadline patience_;
   std::vector<Arrival<std::monostate>> waiting_;

@@ -57,7 +57,20 @@ TEST_F(CopyWatchTest, saysThatNothingWasSelectedOnceTheApplicationHasAnswered) {
   EXPECT_EQ(text(), std::nullopt);
   EXPECT_GE(since(pressed), CopyWatch::leastWait);
   EXPECT_LT(since(pressed), CopyWatch::waitWithoutPing);
-  EXPECT_EQ(application.pings(), 1);
+  EXPECT_EQ(application.pings(), 2);
+}
+
+TEST_F(CopyWatchTest, waitsForAKeyThatStillStoodInTheApplicationsQueueWhenItAnswered) {
+  PeerApplication application;
+  application.onPing([&] {
+    if (application.pings() == 1) return application.answerPing();
+    actor.postAfter(600ms, [&] {
+      takeClipboard("queued");
+      application.answerPing();
+    });
+  });
+  copyFrom(application);
+  EXPECT_EQ(text(), "queued");
 }
 
 TEST_F(CopyWatchTest, hearsAnswersThatAreSentToTheRootAlone) {
