@@ -1,17 +1,23 @@
 #include "tests/support/StandIn.h"
 
+#include "platform/linux/FileDescriptor.h"
+
+#include <poll.h>
+#include <sys/inotify.h>
+#include <unistd.h>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <array>
 #include <cctype>
-#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
-#include <thread>
 
 namespace tavelle::tests {
 namespace {
+
+constexpr int longestWait = 10'000;  // milliseconds without any news
 
 std::vector<std::string> command(const std::filesystem::path& log, const std::vector<std::string>& more) {
   std::vector<std::string> all{"/usr/bin/python3", TAVELLE_STAND_IN, "--until-input-closes", "--log", log,
@@ -71,10 +77,13 @@ std::vector<RecordedRequest> StandIn::requests() const {
 }
 
 std::vector<RecordedRequest> StandIn::waitForRequests(std::size_t count) const {
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  const FileDescriptor changes{inotify_init1(IN_CLOEXEC)};
+  inotify_add_watch(changes.get(), folder_.path().c_str(), IN_CREATE | IN_MODIFY);
   auto all = requests();
-  while (all.size() < count && std::chrono::steady_clock::now() < deadline) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  pollfd awaited{changes.get(), POLLIN, 0};
+  while (all.size() < count && poll(&awaited, 1, longestWait) > 0) {
+    std::array<char, 4096> news;
+    if (read(changes.get(), news.data(), news.size()) <= 0) break;
     all = requests();
   }
   return all;

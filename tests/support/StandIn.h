@@ -43,7 +43,7 @@ class StandIn {
   // Every request so far, in the order of arrival; a request is there before it is answered.
   std::vector<RecordedRequest> requests() const;
 
-  // Waits until there are `count`, at most ten seconds; returns what there is then.
+  // Waits until there are `count`, at most ten seconds without a new one; returns what there is then.
   std::vector<RecordedRequest> waitForRequests(std::size_t count) const;
 
  private:
