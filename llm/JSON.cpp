@@ -1,6 +1,6 @@
 #include "llm/JSON.h"
 
-#include <utf8proc.h>
+#include <simdjson.h>
 
 #include <array>
 #include <charconv>
@@ -10,6 +10,8 @@
 
 namespace tavelle {
 namespace {
+
+namespace dom = simdjson::dom;
 
 constexpr int deepestNesting = 512;
 
@@ -43,6 +45,50 @@ void write(const JSON& value, Data& out) {
   out += value.is_object() ? '}' : ']';
 }
 
+JSONError notInFormat() {
+  return JSONError{"The data couldn’t be read because it isn’t in the correct format."};
+}
+
+JSON valueOf(dom::element element) {
+  switch (element.type()) {
+    case dom::element_type::OBJECT: {
+      auto object = JSON::object();
+      for (const auto [key, member] : dom::object{element}) object[std::string{key}] = valueOf(member);
+      return object;
+    }
+    case dom::element_type::ARRAY: {
+      auto array = JSON::array();
+      for (const auto member : dom::array{element}) array.push_back(valueOf(member));
+      return array;
+    }
+    case dom::element_type::STRING:
+      return std::string{std::string_view{element}};
+    case dom::element_type::INT64:
+      return std::int64_t{element};
+    case dom::element_type::UINT64:
+      return std::uint64_t{element};
+    case dom::element_type::DOUBLE:
+      return double{element};
+    case dom::element_type::BOOL:
+      return bool{element};
+    case dom::element_type::NULL_VALUE:
+      break;
+  }
+  return nullptr;
+}
+
+// A whole number beyond 64 bits is JSON too, but not for the fast reader.
+JSON decodeUnusualNumbers(std::string_view text) {
+  bool isTooDeep = false;
+  const auto guard = [&isTooDeep](int depth, JSON::parse_event_t, const JSON&) {
+    isTooDeep = isTooDeep || depth > deepestNesting;
+    return !isTooDeep;
+  };
+  auto value = JSON::parse(text, guard, /*allow_exceptions=*/false);
+  if (isTooDeep || !value.is_structured()) throw notInFormat();
+  return value;
+}
+
 }  // namespace
 
 Data encodeJSON(const JSON& value) {
@@ -56,29 +102,13 @@ Data encodeJSON(const JSON& value) {
 }
 
 JSON decodeJSON(std::string_view text) {
-  bool isTooDeep = false;
-  const auto guard = [&isTooDeep](int depth, JSON::parse_event_t, const JSON&) {
-    isTooDeep = isTooDeep || depth > deepestNesting;
-    return !isTooDeep;
-  };
-  auto value = JSON::parse(text, guard, /*allow_exceptions=*/false);
-  if (isTooDeep || !value.is_structured()) {
-    throw JSONError{"The data couldn’t be read because it isn’t in the correct format."};
-  }
-  return value;
-}
-
-bool isUTF8(std::string_view bytes) {
-  const auto* at = reinterpret_cast<const utf8proc_uint8_t*>(bytes.data());
-  auto left = static_cast<utf8proc_ssize_t>(bytes.size());
-  while (left > 0) {
-    utf8proc_int32_t codePoint = 0;
-    const auto length = utf8proc_iterate(at, left, &codePoint);
-    if (length < 0) return false;
-    at += length;
-    left -= length;
-  }
-  return true;
+  dom::parser parser;
+  dom::element top;
+  auto error = parser.allocate(text.size(), deepestNesting + 1);
+  if (!error) error = parser.parse(text.data(), text.size()).get(top);
+  if (error == simdjson::NUMBER_ERROR) return decodeUnusualNumbers(text);
+  if (error || !(top.is_object() || top.is_array())) throw notInFormat();
+  return valueOf(top);
 }
 
 }  // namespace tavelle

@@ -4,6 +4,7 @@
 #include "platform/FatalError.h"
 #include "platform/Platform.h"
 #include "platform/Shared.h"
+#include "platform/UTF8.h"
 
 #include <utility>
 
@@ -29,7 +30,8 @@ std::string withoutSecrets(const std::string& address) {
 URL urlOrDie(const std::string& address) {
   auto url = URL::parse(address);
   if (!url)
-    fatalError("not a URL: \"" + withoutSecrets(address) + "\" (see the base URL and the model in the settings)");
+    fatalError("not a URL: \"" + withoutSecrets(address) +
+               "\" (it is made of the base URL, the model and the API key in the settings)");
   return *std::move(url);
 }
 

@@ -78,11 +78,19 @@ TEST(DecodeJSON, refusesANestingThatIsMeantToHarm) {
   EXPECT_THROW(decodeJSON(nested(1'000'000)), JSONError);
 }
 
-TEST(UTF8, isToldFromOtherBytes) {
-  EXPECT_TRUE(isUTF8(""));
-  EXPECT_TRUE(isUTF8(std::string_view{"a\0é😀", 8}));
-  for (const char* bytes : {"\xFF", "\xC3", "\xC0\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80", "a\x80"})
-    EXPECT_FALSE(isUTF8(bytes));
+TEST(DecodeJSON, readsEveryNumberThatJSONHas) {
+  const auto numbers = decodeJSON("[0, -1, 18446744073709551615, 123456789012345678901234567890, 2.5e-3]");
+  EXPECT_EQ(numbers.at(1), -1);
+  EXPECT_EQ(numbers.at(2).get<std::uint64_t>(), 18446744073709551615u);
+  EXPECT_EQ(numbers.at(3).get<double>(), 123456789012345678901234567890.0);
+  EXPECT_EQ(numbers.at(4).get<double>(), 0.0025);
+  EXPECT_THROW(decodeJSON("[123456789012345678901234567890, \"5]"), JSONError);
+}
+
+TEST(DecodeJSON, readsEscapedCharactersAndRefusesHalfOnes) {
+  EXPECT_EQ(decodeJSON(R"(["\u0000\ud83d\ude00\/"])")[0].get<std::string>(), "\0😀/"s);
+  EXPECT_THROW(decodeJSON(R"(["\ud83d"])"), JSONError);
+  EXPECT_THROW(decodeJSON("[\"\n\"]"), JSONError);
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "platform/linux/x11/Pasteboard.h"
 
+#include "platform/UTF8.h"
 #include "platform/linux/x11/Targets.h"
 #include "platform/linux/x11/TextEncoding.h"
 
@@ -97,7 +98,7 @@ Task<std::optional<std::string>> X11Pasteboard::stringForType(PasteboardType typ
   if (type != pasteboardTypeString) {
     auto reading = dataForType(std::move(type));
     auto data = co_await reading;
-    if (data && !isValidUTF8(*data)) data.reset();
+    if (data && !isUTF8(*data)) data.reset();
     co_return data;
   }
   if (copyWatch_.isPending()) {
@@ -132,7 +133,7 @@ std::optional<std::string> X11Pasteboard::ownText() {
 std::optional<std::string> X11Pasteboard::decode(xcb_atom_t type, std::uint8_t format, Data bytes) {
   if (format != 8) return std::nullopt;
   if (type == XCB_ATOM_STRING) return utf8FromLatin1(bytes);
-  if (!isValidUTF8(bytes)) return std::nullopt;
+  if (!isUTF8(bytes)) return std::nullopt;
   return bytes;
 }
 
@@ -143,7 +144,7 @@ void X11Pasteboard::clearContents() {
 
 bool X11Pasteboard::setData(Data data, const PasteboardType& type) {
   if (!owner_.owns()) return false;
-  if (type == pasteboardTypeString) return isValidUTF8(data) && offerText(std::move(data));
+  if (type == pasteboardTypeString) return isUTF8(data) && offerText(std::move(data));
   if (isProtocolTarget(type) || isBoundToItsOwner(type)) return false;
   const auto target = connection_.atom(type);
   const auto format = formatFor(target, data.size());
@@ -167,16 +168,16 @@ bool X11Pasteboard::setString(std::string string, const PasteboardType& type) {
 
 bool X11Pasteboard::offerText(std::string text) {
   copyWatch_.cancel();
-  auto latin1 = latin1FromUTF8(text);
-  const bool isASCII = latin1 && latin1->size() == text.size();
+  const bool isASCII = std::ranges::all_of(text, [](char byte) { return static_cast<signed char>(byte) >= 0; });
   const auto utf8 = std::make_shared<const Data>(std::move(text));
   for (const auto name : {targetUTF8String, targetPlainTextUTF8, targetPlainText}) {
     const auto target = connection_.atom(name);
     owner_.offer(target, {target, 8, utf8});
   }
-  if (latin1) {
-    const auto shared = isASCII ? utf8 : std::make_shared<const Data>(std::move(*latin1));
-    owner_.offer(XCB_ATOM_STRING, {XCB_ATOM_STRING, 8, shared});
+  if (isASCII) {
+    owner_.offer(XCB_ATOM_STRING, {XCB_ATOM_STRING, 8, utf8});
+  } else if (auto latin1 = latin1FromUTF8(*utf8)) {
+    owner_.offer(XCB_ATOM_STRING, {XCB_ATOM_STRING, 8, std::make_shared<const Data>(*std::move(latin1))});
   }
   owner_.offer(connection_.atom(targetText), {connection_.atom(targetUTF8String), 8, utf8});
   return true;

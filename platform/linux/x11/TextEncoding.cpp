@@ -1,17 +1,6 @@
 #include "platform/linux/x11/TextEncoding.h"
 
-#include <glib.h>
-
 namespace tavelle::x11 {
-
-bool isValidUTF8(std::string_view bytes) {
-  while (true) {
-    const auto segment = bytes.substr(0, bytes.find('\0'));  // GLib takes a NUL for an error
-    if (!segment.empty() && !g_utf8_validate_len(segment.data(), segment.size(), nullptr)) return false;
-    if (segment.size() == bytes.size()) return true;
-    bytes.remove_prefix(segment.size() + 1);
-  }
-}
 
 std::string utf8FromLatin1(std::string_view latin1) {
   std::string utf8;

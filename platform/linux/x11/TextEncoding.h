@@ -6,9 +6,6 @@
 
 namespace tavelle::x11 {
 
-// Whether the bytes are UTF-8 from end to end. NUL is a character like any other.
-bool isValidUTF8(std::string_view bytes);
-
 std::string utf8FromLatin1(std::string_view latin1);
 
 // No value where a character of `utf8`, which must be valid, is not in Latin-1.
