@@ -81,7 +81,8 @@ void JSONUserDefaults::store() {
   if (!mayStore_) return;
   const auto path = followLinks(file_);
   std::error_code error;
-  std::filesystem::create_directories(path.parent_path(), error);
+  const bool isNew = std::filesystem::create_directories(path.parent_path(), error);
+  if (isNew) std::filesystem::permissions(path.parent_path(), std::filesystem::perms::owner_all, error);
   if (!error) error = replaceFile(path, settingsText(values_));
   isStored_ = !error;
   if (error && !hasToldOfFailure_) tell("the settings cannot be stored in " + path.string() + ": " + error.message());

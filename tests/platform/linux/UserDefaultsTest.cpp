@@ -144,6 +144,8 @@ TEST_F(JSONUserDefaultsTest, makesItsFolderAndAFileForItsOwnerOnly) {
   struct stat status {};
   ASSERT_EQ(stat(deep.c_str(), &status), 0);
   EXPECT_EQ(status.st_mode & 0777, 0600u);
+  ASSERT_EQ(stat(deep.parent_path().c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777, 0700u);
 }
 
 TEST_F(JSONUserDefaultsTest, leavesNothingElseInTheFolder) {
