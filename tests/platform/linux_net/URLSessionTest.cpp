@@ -241,8 +241,7 @@ TEST_F(CurlURLSessionTest, goesPastTheProxyWhereTheEnvironmentSaysSo) {
 TEST_F(CurlURLSessionTest, asksNoProxyForThisMachine) {
   const StandIn proxy;
   const StandIn server;
-  const Environment environment{
-      {{"http_proxy", "http://127.0.0.1:" + std::to_string(proxy.port())}, {"no_proxy", ""}}};
+  const Environment environment{{{"http_proxy", "http://127.0.0.1:" + std::to_string(proxy.port())}, {"no_proxy", ""}}};
   EXPECT_EQ(load(chat(server.baseURL())).response.statusCode, 200);
   EXPECT_EQ(load(chat("http://localhost:" + std::to_string(server.port()) + "/v1")).response.statusCode, 200);
   EXPECT_EQ(server.requests().size(), 2u);
