@@ -4,6 +4,7 @@
 #include "platform/FatalError.h"
 #include "platform/Platform.h"
 #include "platform/Shared.h"
+#include "platform/UTF8.h"
 
 #include <utility>
 
