@@ -3,9 +3,11 @@
 #include <simdjson.h>
 
 #include <array>
-#include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
 #include <utility>
 
 namespace tavelle {
@@ -15,17 +17,35 @@ namespace dom = simdjson::dom;
 
 constexpr int deepestNesting = 512;
 
-// Up to here every whole number is a double, and is written out; beyond, the exponent form is the shorter one.
-constexpr double largestWrittenOut = 9007199254740992.0;  // 2^53
+// Up to here every whole number is a double, and is written out.
+constexpr double largestExact = 9007199254740992.0;  // 2^53
+
+// From here on the exponent form is the shorter one.
+constexpr double longestWrittenOut = 1e24;
+
+// With as few digits as read back equal. std::to_chars knows them at once, but on macOS it came after version 13.0.
+Data shortestDecimal(double number) {
+  std::array<char, 32> text;
+  int digits = 0;
+  do {
+    std::snprintf(text.data(), text.size(), "%.*g", ++digits, number);
+  } while (digits < std::numeric_limits<double>::max_digits10 && std::strtod(text.data(), nullptr) != number);
+  return text.data();
+}
+
+// A whole number without exponent.
+Data writtenOut(double number) {
+  std::array<char, 32> text;
+  std::snprintf(text.data(), text.size(), "%.0f", number);
+  return text.data();
+}
 
 void writeNumber(double number, Data& out) {
   if (!std::isfinite(number)) throw JSONError{"Invalid number value (infinity or not a number) in JSON write."};
-  const bool isWhole = std::trunc(number) == number && std::abs(number) < largestWrittenOut;
-  std::array<char, 32> digits;
-  char* const end = digits.data() + digits.size();
-  const auto result = isWhole ? std::to_chars(digits.data(), end, static_cast<std::int64_t>(number))
-                              : std::to_chars(digits.data(), end, number);
-  out.append(digits.data(), result.ptr);
+  const auto decimal = shortestDecimal(number);
+  const bool mayBeWrittenOut = std::trunc(number) == number && std::abs(number) < longestWrittenOut;
+  const auto whole = mayBeWrittenOut ? writtenOut(number) : decimal;
+  out += std::abs(number) < largestExact || whole.size() <= decimal.size() ? whole : decimal;
 }
 
 // The library's own writer does not always find the shortest number that reads back equal; all else is left to it.
