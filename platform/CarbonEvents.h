@@ -6,14 +6,21 @@
 #include <cstdint>
 #include <span>
 
+// The Carbon Event Manager's own types, which have no namespace.
+struct OpaqueEventRef;
+struct OpaqueEventTargetRef;
+struct OpaqueEventHotKeyRef;
+struct OpaqueEventHandlerRef;
+struct OpaqueEventHandlerCallRef;
+
 namespace tavelle {
 
 // Opaque references, as the Carbon Event Manager hands them out. Null is none.
-using EventRef = struct OpaqueEventRef*;
-using EventTargetRef = struct OpaqueEventTargetRef*;
-using EventHotKeyRef = struct OpaqueEventHotKeyRef*;
-using EventHandlerRef = struct OpaqueEventHandlerRef*;
-using EventHandlerCallRef = struct OpaqueEventHandlerCallRef*;
+using EventRef = OpaqueEventRef*;
+using EventTargetRef = OpaqueEventTargetRef*;
+using EventHotKeyRef = OpaqueEventHotKeyRef*;
+using EventHandlerRef = OpaqueEventHandlerRef*;
+using EventHandlerCallRef = OpaqueEventHandlerCallRef*;
 
 // CarbonEvents.h: codes of four characters, the first in the most significant byte.
 inline constexpr std::uint32_t kEventClassKeyboard = 0x6B657962;  // 'keyb'

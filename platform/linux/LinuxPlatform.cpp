@@ -1,5 +1,6 @@
 #include "platform/linux/LinuxPlatform.h"
 
+#include "platform/Start.h"
 #include "platform/linux/CommandLine.h"
 #include "platform/linux/LinkPrivacy.h"
 #include "platform/linux/SerialExecutor.h"
@@ -81,6 +82,12 @@ std::unique_ptr<URLSession> LinuxPlatform::makeURLSession(const URLSessionConfig
 
 std::unique_ptr<SerialExecutor> LinuxPlatform::makeSerialExecutor() {
   return std::make_unique<LinuxSerialExecutor>();
+}
+
+std::variant<std::unique_ptr<Platform>, int> startPlatform(std::span<char*> arguments) {
+  auto started = LinuxPlatform::start(arguments);
+  if (const auto* status = std::get_if<int>(&started)) return *status;
+  return std::move(std::get<std::unique_ptr<LinuxPlatform>>(started));
 }
 
 }  // namespace tavelle

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "platform/TransferReply.h"
 #include "platform/URLSession.h"
 #include "platform/linux/CurlHandles.h"
-#include "platform/linux/TransferReply.h"
 
 #include <chrono>
 #include <memory>

@@ -1,9 +1,9 @@
 #include "platform/linux/URLSession.h"
 
+#include "platform/TransferReply.h"
 #include "platform/linux/CurlErrors.h"
 #include "platform/linux/Transfer.h"
 #include "platform/linux/TransferLoop.h"
-#include "platform/linux/TransferReply.h"
 
 #include <algorithm>
 #include <mutex>

@@ -1,4 +1,4 @@
-#include "platform/linux/TransferReply.h"
+#include "platform/TransferReply.h"
 
 #include <utility>
 

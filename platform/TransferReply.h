@@ -10,8 +10,8 @@
 
 namespace tavelle {
 
-// The one reply to a request, on its way from the transfer thread to the coroutine that waits for it. Callable from any
-// thread.
+// The one reply to a request, on its way from the backend's thread to the coroutine that waits for it. Callable from
+// any thread.
 class TransferReply : public std::enable_shared_from_this<TransferReply> {
  public:
   using Outcome = std::variant<std::monostate, URLResult, URLError>;
