@@ -1,0 +1,154 @@
+// The part of Foundation that Tavelle uses.
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+#include <CoreGraphics/CoreGraphics.h>
+#include <dispatch/dispatch.h>
+#import <objc/NSObject.h>
+#import <objc/runtime.h>
+
+#define FOUNDATION_EXPORT CF_EXPORT
+#define NS_ENUM CF_ENUM
+#define NS_OPTIONS CF_OPTIONS
+#define NS_ASSUME_NONNULL_BEGIN CF_ASSUME_NONNULL_BEGIN
+#define NS_ASSUME_NONNULL_END CF_ASSUME_NONNULL_END
+#define NS_RETURNS_INNER_POINTER __attribute__((objc_returns_inner_pointer))
+
+NS_ASSUME_NONNULL_BEGIN
+
+typedef double NSTimeInterval;
+typedef NSUInteger NSStringEncoding;
+typedef NSString* NSErrorDomain;
+
+@protocol NSCopying
+@end
+
+typedef struct {
+  unsigned long state;
+  id __unsafe_unretained _Nullable* _Nullable itemsPtr;
+  unsigned long* _Nullable mutationsPtr;
+  unsigned long extra[5];
+} NSFastEnumerationState;
+
+@protocol NSFastEnumeration
+- (NSUInteger)countByEnumeratingWithState:(NSFastEnumerationState*)state
+                                  objects:(id __unsafe_unretained _Nullable[_Nonnull])buffer
+                                    count:(NSUInteger)length;
+@end
+
+// Values
+
+enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
+
+@interface NSString : NSObject <NSCopying>
+- (nullable instancetype)initWithBytes:(const void*)bytes length:(NSUInteger)length encoding:(NSStringEncoding)encoding;
+- (nullable NSData*)dataUsingEncoding:(NSStringEncoding)encoding allowLossyConversion:(BOOL)isLossy;
+- (BOOL)isEqualToString:(NSString*)other;
+@end
+
+@interface NSData : NSObject
+@property(readonly) NSUInteger length;
+@property(readonly) const void* bytes NS_RETURNS_INNER_POINTER;
++ (instancetype)dataWithBytes:(nullable const void*)bytes length:(NSUInteger)length;
+@end
+
+@interface NSNumber : NSObject
+@property(readonly) double doubleValue;
+@property(readonly) BOOL boolValue;
+@property(readonly) long long longLongValue;
+@end
+
+@interface NSArray<__covariant ObjectType> : NSObject <NSFastEnumeration>
+@end
+
+@interface NSError : NSObject
+@property(readonly, copy) NSErrorDomain domain;
+@property(readonly) NSInteger code;
+@property(readonly, copy) NSString* localizedDescription;
+@end
+
+@interface NSNotification : NSObject
+@end
+
+// The bundle and the defaults
+
+@interface NSBundle : NSObject
+@property(class, readonly, strong) NSBundle* mainBundle;
+@property(nullable, readonly, copy) NSString* bundleIdentifier;
+- (nullable id)objectForInfoDictionaryKey:(NSString*)key;
+@end
+
+@interface NSUserDefaults : NSObject
+@property(class, readonly, strong) NSUserDefaults* standardUserDefaults;
+- (nullable id)objectForKey:(NSString*)key;
+- (void)setObject:(nullable id)value forKey:(NSString*)key;
+- (void)setInteger:(NSInteger)value forKey:(NSString*)key;
+- (void)setDouble:(double)value forKey:(NSString*)key;
+- (void)setBool:(BOOL)value forKey:(NSString*)key;
+- (void)removeObjectForKey:(NSString*)key;
+@end
+
+// Loading URLs
+
+FOUNDATION_EXPORT NSErrorDomain const NSURLErrorDomain;
+
+@interface NSURL : NSObject
++ (nullable instancetype)URLWithString:(NSString*)string;
+@end
+
+@interface NSURLRequest : NSObject
++ (instancetype)requestWithURL:(NSURL*)url;
+@end
+
+@interface NSMutableURLRequest : NSURLRequest
+@property(copy) NSString* HTTPMethod;
+@property(nullable, copy) NSData* HTTPBody;
+@property NSTimeInterval timeoutInterval;
+- (void)setValue:(nullable NSString*)value forHTTPHeaderField:(NSString*)field;
+@end
+
+@interface NSURLResponse : NSObject
+@end
+
+@interface NSHTTPURLResponse : NSURLResponse
+@property(readonly) NSInteger statusCode;
+@end
+
+@interface NSURLSessionTask : NSObject
+- (void)cancel;
+- (void)resume;
+@end
+
+@interface NSURLSessionDataTask : NSURLSessionTask
+@end
+
+@interface NSURLSessionConfiguration : NSObject
+@property(class, readonly, strong) NSURLSessionConfiguration* defaultSessionConfiguration;
+@property NSTimeInterval timeoutIntervalForRequest;
+@end
+
+@interface NSURLSession : NSObject
+@property(class, readonly, strong) NSURLSession* sharedSession;
++ (NSURLSession*)sessionWithConfiguration:(NSURLSessionConfiguration*)configuration;
+- (NSURLSessionDataTask*)dataTaskWithRequest:(NSURLRequest*)request
+                           completionHandler:(void (^)(NSData* _Nullable data, NSURLResponse* _Nullable response,
+                                                       NSError* _Nullable error))completionHandler;
+- (void)invalidateAndCancel;
+@end
+
+// Events from other programs
+
+@interface NSAppleEventDescriptor : NSObject
+@property(nullable, readonly, copy) NSString* stringValue;
+- (nullable NSAppleEventDescriptor*)paramDescriptorForKeyword:(FourCharCode)keyword;
+@end
+
+@interface NSAppleEventManager : NSObject
++ (NSAppleEventManager*)sharedAppleEventManager;
+- (void)setEventHandler:(id)handler
+            andSelector:(SEL)selector
+          forEventClass:(FourCharCode)eventClass
+             andEventID:(FourCharCode)eventID;
+@end
+
+NS_ASSUME_NONNULL_END
