@@ -4,9 +4,17 @@ option(TAVELLE_TESTS "Build the tests" ON)
 option(TAVELLE_BENCH "Build the programs of ./bench" OFF)
 set(TAVELLE_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize= takes them: address,undefined or thread")
 
+if(APPLE)
+  enable_language(OBJCXX)
+  set(CMAKE_OBJCXX_STANDARD 20)
+  set(CMAKE_OBJCXX_STANDARD_REQUIRED ON)
+  set(CMAKE_OBJCXX_EXTENSIONS OFF)
+endif()
+
 find_program(CCACHE ccache)
 if(CCACHE)
   set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+  set(CMAKE_OBJCXX_COMPILER_LAUNCHER ${CCACHE})
 endif()
 
 add_library(tavelle_options INTERFACE)

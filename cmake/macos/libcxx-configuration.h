@@ -1,0 +1,24 @@
+// How the C++ library was built. It stands before the library's own <__config>, so that every tool sees it.
+#ifndef TAVELLE_LIBCXX_CONFIGURATION
+#define TAVELLE_LIBCXX_CONFIGURATION
+#pragma GCC system_header
+#define _LIBCPP_ABI_VERSION 1
+#define _LIBCPP_ABI_NAMESPACE __1
+#define _LIBCPP_HAS_THREADS 1
+#define _LIBCPP_HAS_MONOTONIC_CLOCK 1
+#define _LIBCPP_HAS_TERMINAL 1
+#define _LIBCPP_HAS_MUSL_LIBC 0
+#define _LIBCXXABI_DISABLE_VISIBILITY_ANNOTATIONS
+#define _LIBCPP_DISABLE_VISIBILITY_ANNOTATIONS
+#define _LIBCPP_HAS_VENDOR_AVAILABILITY_ANNOTATIONS 1  // refuses what the system's own library lacks, as a Mac does
+#define _LIBCPP_HAS_FILESYSTEM 1
+#define _LIBCPP_HAS_RANDOM_DEVICE 1
+#define _LIBCPP_HAS_LOCALIZATION 1
+#define _LIBCPP_HAS_UNICODE 1
+#define _LIBCPP_HAS_WIDE_CHARACTERS 1
+#define _LIBCPP_HAS_NO_STD_MODULES
+#define _LIBCPP_PSTL_BACKEND_SERIAL
+#ifndef _LIBCPP_HARDENING_MODE
+#define _LIBCPP_HARDENING_MODE _LIBCPP_HARDENING_MODE_NONE
+#endif
+#endif
