@@ -13,7 +13,6 @@ inline constexpr OSStatus noErr = 0;
 inline constexpr OSStatus eventNotHandledErr = -9874;
 inline constexpr OSStatus eventHotKeyExistsErr = -9878;
 inline constexpr OSStatus eventParameterNotFoundErr = -9870;
-inline constexpr OSStatus eventInternalErr = -9869;
 inline constexpr OSStatus paramErr = -50;
 
 // Security (SecBase.h).

@@ -32,12 +32,7 @@ enum { kEventClassKeyboard = 'keyb' };
 enum { kEventHotKeyPressed = 5 };
 enum { kEventParamDirectObject = '----' };
 enum { typeEventHotKeyID = 'hkid' };
-enum {
-  eventNotHandledErr = -9874,
-  eventHotKeyExistsErr = -9878,
-  eventParameterNotFoundErr = -9870,
-  eventInternalErr = -9869
-};
+enum { eventNotHandledErr = -9874, eventHotKeyExistsErr = -9878, eventParameterNotFoundErr = -9870 };
 enum { cmdKey = 1 << 8, shiftKey = 1 << 9, optionKey = 1 << 11, controlKey = 1 << 12 };
 enum { kVK_ANSI_C = 0x08, kVK_ANSI_V = 0x09 };
 

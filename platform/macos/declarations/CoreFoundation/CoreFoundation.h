@@ -31,6 +31,8 @@
 
 CF_ASSUME_NONNULL_BEGIN
 
+enum { paramErr = -50 };
+
 typedef signed long CFIndex;
 typedef unsigned long CFTypeID;
 typedef double CGFloat;

@@ -52,7 +52,10 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
 + (instancetype)dataWithBytes:(nullable const void*)bytes length:(NSUInteger)length;
 @end
 
-@interface NSNumber : NSObject
+@interface NSValue : NSObject
+@end
+
+@interface NSNumber : NSValue
 @property(readonly) double doubleValue;
 @property(readonly) BOOL boolValue;
 @property(readonly) long long longLongValue;
@@ -91,6 +94,22 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
 // Loading URLs
 
 FOUNDATION_EXPORT NSErrorDomain const NSURLErrorDomain;
+enum : NSInteger {
+  NSURLErrorUnknown = -1,
+  NSURLErrorCancelled = -999,
+  NSURLErrorBadURL = -1000,
+  NSURLErrorTimedOut = -1001,
+  NSURLErrorUnsupportedURL = -1002,
+  NSURLErrorCannotFindHost = -1003,
+  NSURLErrorCannotConnectToHost = -1004,
+  NSURLErrorNetworkConnectionLost = -1005,
+  NSURLErrorHTTPTooManyRedirects = -1007,
+  NSURLErrorNotConnectedToInternet = -1009,
+  NSURLErrorBadServerResponse = -1011,
+  NSURLErrorCannotDecodeContentData = -1016,
+  NSURLErrorSecureConnectionFailed = -1200,
+  NSURLErrorServerCertificateUntrusted = -1202
+};
 
 @interface NSURL : NSObject
 + (nullable instancetype)URLWithString:(NSString*)string;
