@@ -6,20 +6,10 @@
 #include <stdbool.h>
 #include <stdint.h>
 
-#ifdef __cplusplus
 #define CF_EXPORT extern "C"
 #define CF_OPTIONS(type, name) \
   type name;                   \
   enum : type
-#else
-#define CF_EXPORT extern
-#define CF_OPTIONS(type, name) \
-  enum name : type name;       \
-  enum name : type
-#endif
-#define CF_ENUM(type, name) \
-  enum name : type name;    \
-  enum name : type
 #define CF_BRIDGED_TYPE(type) __attribute__((objc_bridge(type)))
 #define CF_RETURNS_RETAINED __attribute__((cf_returns_retained))
 #define CF_ASSUME_NONNULL_BEGIN _Pragma("clang assume_nonnull begin")

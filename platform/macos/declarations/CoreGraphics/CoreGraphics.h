@@ -9,8 +9,8 @@ typedef struct CF_BRIDGED_TYPE(id) __CGEvent* CGEventRef;
 typedef struct CF_BRIDGED_TYPE(id) __CGEventSource* CGEventSourceRef;
 typedef uint16_t CGKeyCode;
 
-typedef CF_ENUM(int32_t, CGEventSourceStateID) { kCGEventSourceStateHIDSystemState = 1 };
-typedef CF_ENUM(uint32_t, CGEventTapLocation) { kCGHIDEventTap = 0 };
+typedef enum CGEventSourceStateID : int32_t { kCGEventSourceStateHIDSystemState = 1 } CGEventSourceStateID;
+typedef enum CGEventTapLocation : uint32_t { kCGHIDEventTap = 0 } CGEventTapLocation;
 typedef CF_OPTIONS(uint64_t, CGEventFlags) { kCGEventFlagMaskCommand = 0x00100000 };
 
 CF_EXPORT CGEventSourceRef _Nullable CGEventSourceCreate(CGEventSourceStateID state) CF_RETURNS_RETAINED;

@@ -1,0 +1,2 @@
+// The declarations need nothing of it here.
+#pragma once
