@@ -1,11 +1,8 @@
 #include "app/AppDelegate.h"
-#include "platform/fake/FakePlatform.h"
-#include "platform/linux/MainActor.h"
-#include "platform/linux/SerialExecutor.h"
-#include "platform/linux/URLSession.h"
 #include "settings/SettingsManager.h"
 #include "tests/platform/linux/MainLoop.h"
 #include "tests/support/StandIn.h"
+#include "tests/wire/WiredPlatform.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -21,22 +18,10 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-// The in-memory desktop with the real network, clock and threads. A silent server is given up after one second, not
-// thirty.
-class WiredPlatform : public FakePlatform {
- public:
-  MainActor& mainActor() override { return actor; }
-  std::unique_ptr<SerialExecutor> makeSerialExecutor() override { return std::make_unique<LinuxSerialExecutor>(); }
-  std::unique_ptr<URLSession> makeURLSession(const URLSessionConfiguration&) override {
-    return std::make_unique<CurlURLSession>(URLSessionConfiguration{std::chrono::seconds{1}});
-  }
-
-  GLibMainActor actor;
-};
-
 class RewordOverTheWire : public testing::Test {
  protected:
   RewordOverTheWire() {
+    platform.patience = std::chrono::seconds{1};
     platform.pasteboard.contents = before;
     platform.keys.onCopy = [this] { platform.pasteboard.contents = {{pasteboardTypeString, "i cant come tommorow"}}; };
     platform.keys.onPaste = [this] { pasted = platform.pasteboard.contents.at(0).second; };

@@ -96,8 +96,8 @@ class Messages:
     @classmethod
     def answer(cls, request, text):
         usage = {"input_tokens": tokens(cls.text(request)), "output_tokens": tokens(text), "cache_creation": None,
-                 "cache_creation_input_tokens": 0, "cache_read_input_tokens": 0, "server_tool_use": None,
-                 "service_tier": "standard"}  # fmt: skip
+                 "cache_creation_input_tokens": 0, "cache_read_input_tokens": 0, "output_tokens_details": None,
+                 "server_tool_use": None, "service_tier": "standard", "inference_geo": None, "speed": None}  # fmt: skip
         return {
             "id": "msg_stand_in",
             "type": "message",
@@ -106,7 +106,9 @@ class Messages:
             "content": [{"type": "text", "text": text, "citations": None}],
             "stop_reason": "end_turn",
             "stop_sequence": None,
+            "stop_details": None,
             "container": None,
+            "diagnostics": None,
             "usage": usage,
         }
 
