@@ -9,12 +9,12 @@
 namespace tavelle::tests {
 namespace {
 
-Task<void> send(LLMService* service, JSON given, std::optional<JSON>* outcome) {
+Task<void> send(JSON given, std::optional<JSON>* outcome) {
   const auto text = [&given](const char* name) { return given.at(name).get<std::string>(); };
   try {
-    const auto answer =
-        co_await service->reword(text("text"), given.at("provider").get<LLMProvider>(), text("model"), text("baseURL"),
-                                 text("apiKey"), text("systemPrompt"), given.at("temperature").get<double>());
+    const auto answer = co_await LLMService::shared().reword(
+        text("text"), given.at("provider").get<LLMProvider>(), text("model"), text("baseURL"), text("apiKey"),
+        text("systemPrompt"), given.at("temperature").get<double>());
     *outcome = JSON{{"answer", answer}};
   } catch (const LocalizedError& error) {
     *outcome = JSON{{"error", error.errorDescription()}};
@@ -30,9 +30,9 @@ int main() {
   using namespace tavelle;
 
   tests::WiredPlatform platform;
-  LLMService service{platform};
+  const Platform::Use use{platform};
   std::optional<JSON> outcome;
-  platform.mainActor().start(tests::send(&service, JSON::parse(std::cin), &outcome));
+  platform.mainActor().start(tests::send(JSON::parse(std::cin), &outcome));
   if (!tests::waitUntil([&outcome] { return outcome.has_value(); })) return 1;
   std::cout << *outcome << '\n';
   return 0;
