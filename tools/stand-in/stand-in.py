@@ -236,7 +236,10 @@ def main():
     parser.add_argument("--until-input-closes", action="store_true", help="end when standard input does")
     options = parser.parse_args()
 
-    server = Server(options.port, options.tls, RequestLog(options.log, options.log_secrets), options.key)
+    try:
+        server = Server(options.port, options.tls, RequestLog(options.log, options.log_secrets), options.key)
+    except OSError as error:
+        sys.exit(f"stand-in: cannot listen on port {options.port}: {error.strerror}")
     port = server.server_address[1]
     if options.port_file:
         save_port(options.port_file, port)
