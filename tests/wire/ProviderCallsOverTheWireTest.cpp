@@ -84,12 +84,11 @@ TEST_P(ProviderCallOverTheWire, returnsTheTextOfTheProvidersAnswer) {
 }
 
 TEST_P(ProviderCallOverTheWire, tellsEveryStatusOtherThan200WithTheRawBody) {
-  for (const auto* status : {"201", "204", "400", "403", "429", "500", "529"}) {
-    const auto body = std::string{status} == "204" ? "" : R"({"error":"slow down"})";
-    EXPECT_EQ(rewordFromOneThat("status=" + std::string{status} +
-                                ",body=" + (*body ? "%7B%22error%22%3A%22slow%20down%22%7D" : "")),
-              "API error (" + std::string{status} + "): " + body);
+  for (const std::string status : {"201", "400", "403", "429", "500", "529"}) {
+    EXPECT_EQ(rewordFromOneThat("status=" + status + ",body=%7B%22error%22%3A%22slow%20down%22%7D"),
+              "API error (" + status + R"(): {"error":"slow down"})");
   }
+  EXPECT_EQ(rewordFromOneThat("status=204"), "API error (204): ");
   EXPECT_EQ(rewordFromOneThat("status=500,invalid-utf8"), "API error (500): Unknown error");
 }
 

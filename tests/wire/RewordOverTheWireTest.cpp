@@ -14,7 +14,6 @@
 namespace tavelle::tests {
 namespace {
 
-using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 
