@@ -1,9 +1,11 @@
 """Every provider from the hotkey to the pasted answer, in front of a stand-in that is as strict as the provider."""
 
-from tavelle_desktop.journey import DONE, REWRITING, TEXT, DesktopTest, program
+from tavelle_desktop.journey import DONE, REWRITING, ROOT, TEXT, DesktopTest, program
+from tavelle_desktop.processes import wait_for_end
 from tavelle_desktop.product import Tavelle
 from tavelle_desktop.providers import PROVIDERS
 from tavelle_desktop.stand_in import StandIn
+from tavelle_desktop.waiting import wait_until
 
 SECRET = "made-up-secret"
 REWORDED = "Some words that could be put better."
@@ -118,6 +120,26 @@ class Refusals(ProviderTest):
         self.set_up("tavelle", secret=None)
         self.fail_with(SIGN_IN)
         self.assertEqual(self.stand_in.requests(), [])
+
+
+class SignedInByTheLink(ProviderTest):
+    def test_the_hosted_provider_rewords_with_the_token_of_the_link(self):
+        self.set_up("tavelle", secret=None)
+        self.fail_with(SIGN_IN)
+        self.desktop.processes.run(ROOT / "tools" / "desktop-entry", "install", self.tavelle.program)
+        opening = self.desktop.processes.start("opener", "xdg-open", f"tavelle://auth?token={SECRET}")
+        self.assertEqual(wait_for_end(opening, "the link was opened"), 0)
+        wait_until(lambda: self.tavelle.stored_secret("tavelle_auth_token") == SECRET, "the token is in the keyring")
+        since = len(self.desktop.notifications.sent)
+        self.app.select_all()
+        self.own_clipboard()
+        self.press_and_wait(DONE)
+        self.assert_bodies(REWRITING, DONE, since=since)
+        self.assert_clipboard_is_back()
+        self.assertEqual(self.app.text(), REWORDED)
+        self.assert_secret_is_kept()
+        (request,) = self.stand_in.requests()
+        self.assertEqual(request["headers"]["authorization"], f"Bearer {SECRET}")
 
 
 class TheShippedProgram(ProviderTest):

@@ -66,6 +66,10 @@ class Tavelle:
         self.desktop.processes.run("secret-tool", "store", "--label=Tavelle", "service", APPLICATION_ID,
                                    "account", account, text=secret)  # fmt: skip
 
+    def stored_secret(self, account):
+        """What the keyring holds; empty where it holds nothing."""
+        return self.desktop.processes.run("secret-tool", "lookup", "service", APPLICATION_ID, "account", account, check=False)
+
     def start(self, under=()):
         """Starts it, under another command where one is given."""
         with open(self._output, "ab") as output:
