@@ -61,9 +61,14 @@ test("a refusal is of the kind that their client knows", async () => {
       return true;
     });
   await refused(clientWith({ apiKey: "another" }), good, Anthropic.AuthenticationError, 401, "authentication_error");
-  await refused(clientWith({ defaultHeaders: { "anthropic-version": null } }), good, Anthropic.BadRequestError, 400, "invalid_request_error");
   await refused(theirs, { ...good, model: "no-such-model" }, Anthropic.NotFoundError, 404, "not_found_error");
-  await refused(theirs, { ...good, max_tokens: undefined }, Anthropic.BadRequestError, 400, "invalid_request_error");
-  await refused(theirs, { ...good, messages: [] }, Anthropic.BadRequestError, 400, "invalid_request_error");
-  await refused(theirs, { ...good, max_toks: 1 }, Anthropic.BadRequestError, 400, "invalid_request_error");
+
+  const invalid = (client, body) => refused(client, body, Anthropic.BadRequestError, 400, "invalid_request_error");
+  await invalid(clientWith({ defaultHeaders: { "anthropic-version": null } }), good);
+  await invalid(theirs, { ...good, max_tokens: undefined });
+  await invalid(theirs, { ...good, max_tokens: 4096.5 });
+  await invalid(theirs, { ...good, messages: [] });
+  await invalid(theirs, { ...good, messages: [{ role: "system", content: "as OpenAI has it" }] });
+  await invalid(theirs, { ...good, temperature: 1.5 });
+  await invalid(theirs, { ...good, max_toks: 1 });
 });

@@ -73,4 +73,5 @@ test("a refusal is of the kind that their client knows", async () => {
   await refused(theirs, { ...good, model: "no-such-model" }, 404, "NOT_FOUND");
   await refused(theirs, { ...good, contents: [{ role: "stranger", parts: [{ text: "hi" }] }] }, 400, "INVALID_ARGUMENT");
   await refused(theirs, { ...good, config: { temperature: 3 } }, 400, "INVALID_ARGUMENT");
+  await refused(theirs, { ...good, config: { maxOutputTokens: 0.5 } }, 400, "INVALID_ARGUMENT");
 });

@@ -64,6 +64,10 @@ test("a refusal is of the kind that their client knows", async () => {
   await refused(theirs, { ...good, temperature: 3 }, OpenAI.BadRequestError, { status: 400, param: "temperature" });
   await refused(theirs, { ...good, messages: undefined }, OpenAI.BadRequestError, { code: "missing_required_parameter" });
   await refused(theirs, { ...good, max_toks: 1 }, OpenAI.BadRequestError, { status: 400 });
-  await refused(theirs, { ...good, model: "misbehave:status=429,body=%7B%22error%22%3A%7B%22type%22%3A%22invalid_request_error%22%7D%7D,header=x-request-id:1" },
-    OpenAI.RateLimitError, { status: 429 });
+
+  const tooMany = encodeURIComponent('{"error":{"code":"rate_limit_exceeded"}}');
+  await assert.rejects(
+    theirs.chat.completions.create({ ...good, model: `misbehave:status=429,body=${tooMany}` }),
+    (error) => error instanceof OpenAI.RateLimitError && error.code === "rate_limit_exceeded",
+  );
 });

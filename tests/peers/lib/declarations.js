@@ -1,12 +1,20 @@
 "use strict";
-// The clients' type declarations as the schema of a wire format: a JSON value has to be of the declared type, without a member too many.
+// The clients' type declarations as the schema of a wire format: a JSON value has to be of the declared type, without a
+// member too many.
 
 const assert = require("node:assert/strict");
 const path = require("node:path");
 const ts = require("typescript");
 
 const file = path.join(process.env.NODE_PATH, "..", "declared.ts");
-const options = { strict: true, noEmit: true, skipLibCheck: true, target: ts.ScriptTarget.ES2022, module: ts.ModuleKind.Node16, types: [] };
+const options = {
+  strict: true,
+  noEmit: true,
+  skipLibCheck: true,
+  target: ts.ScriptTarget.ES2022,
+  module: ts.ModuleKind.Node16,
+  types: [],
+};
 
 // `values`: [type, JSON value] pairs; `preamble`: imports and helper types.
 function assertDeclared(preamble, values) {

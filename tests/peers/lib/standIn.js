@@ -14,9 +14,8 @@ class StandIn {
   static async start(key) {
     const folder = fs.mkdtempSync(path.join(os.tmpdir(), "tavelle-peers-"));
     const log = path.join(folder, "log");
-    const process_ = spawn("/usr/bin/python3", ["-B", program, "--until-input-closes", "--log", log, "--log-secrets", "--key", key], {
-      stdio: ["pipe", "pipe", "inherit"],
-    });
+    const command = ["-B", program, "--until-input-closes", "--log", log, "--log-secrets", "--key", key];
+    const process_ = spawn("/usr/bin/python3", command, { stdio: ["pipe", "pipe", "inherit"] });
     for await (const line of readline.createInterface({ input: process_.stdout })) {
       return new StandIn(process_, folder, `http://127.0.0.1:${line.split(" ").at(-1)}`);
     }

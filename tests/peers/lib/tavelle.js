@@ -9,10 +9,14 @@ async function reword(given) {
   return JSON.parse(await text(process_.stdout));
 }
 
+const oddText =
+  'He said "it\'s a \\ test"\n\tand \u2028 \u007f' +
+  '👩‍👩‍👧‍👦 ﷽ \u202Eright to left\u202C </script> \u0000';
+
 // Requests worth comparing; what a provider wants beside them is added by its test.
 const requests = [
   { text: "i cant come tommorow", systemPrompt: "Reword the following text.", temperature: 0.7 },
-  { text: 'He said "it\'s a \\ test"\n\tand \u2028 \u007f 👩‍👩‍👧‍👦 ﷽ \u202Eright to left\u202C </script> \u0000', systemPrompt: "", temperature: 1 },
+  { text: oddText, systemPrompt: "", temperature: 1 },
   { text: "x".repeat(100000), systemPrompt: "Übersetze.\nNur den Text.", temperature: 0 },
 ];
 

@@ -60,7 +60,8 @@ class ChatCompletions:
         if not isinstance(messages, list):
             raise refused(400, "Invalid type for 'messages': expected an array of objects.", "messages", "invalid_type")
         if not messages:
-            raise refused(400, "Invalid 'messages': empty array. Expected an array with minimum length 1.", "messages", "empty_array")
+            raise refused(400, "Invalid 'messages': empty array. Expected an array with minimum length 1.", "messages",
+                          "empty_array")  # fmt: skip
         for index, message in enumerate(messages):
             place = f"messages[{index}]"
             if not isinstance(message, dict):

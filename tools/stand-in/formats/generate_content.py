@@ -42,15 +42,16 @@ class GenerateContent:
             raise refused(404, "NOT_FOUND", "Requested entity was not found.")
         given = request.header("x-goog-api-key") or "".join(request.query.get("key", [])[:1])
         if not given:
-            raise refused(403, "PERMISSION_DENIED", "Method doesn't allow unregistered callers (callers without established identity). "
-                          "Please use API Key or other form of API consumer identity to call this API.")  # fmt: skip
+            raise refused(403, "PERMISSION_DENIED", "Method doesn't allow unregistered callers (callers without established "
+                          "identity). Please use API Key or other form of API consumer identity to call this API.")  # fmt: skip
         if key and given != key:
             raise bad_key()
         if request.json is None:
             raise invalid("Invalid JSON payload received.")
         model = cls.mark(request)
         if is_unknown_model(model):
-            raise refused(404, "NOT_FOUND", f"models/{model} is not found for API version v1beta, or is not supported for generateContent.")
+            raise refused(404, "NOT_FOUND", f"models/{model} is not found for API version v1beta, "
+                          "or is not supported for generateContent.")  # fmt: skip
         cls._check_names(request.json, MEMBERS, "")
         cls._check_content("system_instruction", request.json.get("systemInstruction", {"parts": [{"text": ""}]}))
         cls._check_contents(request.member("contents"))
@@ -83,7 +84,8 @@ class GenerateContent:
         for index, part in enumerate(parts):
             cls._check_names(part, {"text"}, f"{place}.parts[{index}]")
             if not isinstance(part.get("text"), str):
-                raise invalid(f"* GenerateContentRequest.{place}.parts[{index}].data: required oneof field 'data' must have one initialized field\n")
+                raise invalid(f"* GenerateContentRequest.{place}.parts[{index}].data: "
+                              "required oneof field 'data' must have one initialized field\n")  # fmt: skip
 
     @classmethod
     def _check_settings(cls, settings):

@@ -1,4 +1,4 @@
-"""The hosted service: a reword with a session's token, and the request for a sign-in link. What it says is plain text for people."""
+"""The hosted service: a reword with a session's token, and the request for a sign-in link. It refuses in plain words."""
 
 from .request import Refused, is_number
 
