@@ -15,13 +15,14 @@ class StandIn:
         self._desktop = desktop
         self._log = desktop.folder / "stand-in.log"
         self._port_file = desktop.folder / "stand-in.port"
+        self._where = f"port {port}, where something else may listen" if port else "a free port"
         self._command = ["/usr/bin/python3", "-B", PROGRAM, "--port", port, "--port-file", self._port_file,
                          "--log", self._log, "--log-secrets", *(["--key", key] if key else [])]  # fmt: skip
         self._process = None
 
     def start(self):
         """A port that is not any may be in use by the stand-in of another desktop, and is waited for."""
-        wait_until(self._listens, "the stand-in listens", within=60, every=0.1)
+        wait_until(self._listens, f"the stand-in listens on {self._where}", within=60, every=0.1)
         return self
 
     @property
