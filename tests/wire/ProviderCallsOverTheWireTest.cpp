@@ -1,7 +1,7 @@
 #include "tests/wire/OverTheWire.h"
 
-#include <ostream>
 #include <chrono>
+#include <ostream>
 #include <string>
 #include <vector>
 
