@@ -1,7 +1,5 @@
 #include "llm/JSON.h"
 
-#include <utf8proc.h>
-
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -66,19 +64,6 @@ JSON decodeJSON(std::string_view text) {
     throw JSONError{"The data couldn’t be read because it isn’t in the correct format."};
   }
   return value;
-}
-
-bool isUTF8(std::string_view bytes) {
-  const auto* at = reinterpret_cast<const utf8proc_uint8_t*>(bytes.data());
-  auto left = static_cast<utf8proc_ssize_t>(bytes.size());
-  while (left > 0) {
-    utf8proc_int32_t codePoint = 0;
-    const auto length = utf8proc_iterate(at, left, &codePoint);
-    if (length < 0) return false;
-    at += length;
-    left -= length;
-  }
-  return true;
 }
 
 }  // namespace tavelle

@@ -31,7 +31,4 @@ Data encodeJSON(const JSON& value);
 // Reads a JSON text whose top is an object or an array, nested no deeper than 512. Throws JSONError for anything else.
 JSON decodeJSON(std::string_view text);
 
-// Whether `bytes` are valid UTF-8.
-bool isUTF8(std::string_view bytes);
-
 }  // namespace tavelle

@@ -1,6 +1,6 @@
 #include "llm/KeychainHelper.h"
 
-#include "llm/JSON.h"
+#include "platform/UTF8.h"
 
 namespace tavelle {
 namespace {

@@ -7,7 +7,9 @@
 #include "llm/LLMProvider.h"
 #include "platform/URLSession.h"
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace tavelle {
@@ -19,10 +21,14 @@ class Platform;
 // or retried.
 class LLMService {
  public:
-  static LLMService& shared();
-  static std::unique_ptr<LLMService> makeShared();
+  // The token of the person's session with the hosted service; none where nobody is signed in. Called on the main
+  // actor.
+  using HostedToken = std::function<std::optional<std::string>()>;
 
-  explicit LLMService(Platform& platform);
+  static LLMService& shared();
+  static std::unique_ptr<LLMService> makeShared();  // in account/, which has the session
+
+  LLMService(Platform& platform, HostedToken hostedToken);
 
   // Has `text` reworded under `systemPrompt` and returns the answer, trimmed of surrounding white space. The arguments
   // are the settings' own, used as they are. Called on the main actor, where it also resumes. Throws LLMError, URLError
@@ -34,7 +40,8 @@ class LLMService {
   Task<std::string> dispatch(std::string text, LLMProvider provider, std::string model, std::string baseURL,
                              std::string apiKey, std::string systemPrompt, double temperature);
 
-  // One file per wire format. Each runs on the executor and returns the trimmed answer.
+  // One file per wire format. Each runs on the executor and returns the trimmed answer. The hosted service's is in
+  // account/.
   Task<std::string> callTavelle(std::string text, std::string systemPrompt, double temperature);
   Task<std::string> callOpenAICompatible(std::string text, std::string model, std::string baseURL, std::string apiKey,
                                          std::string systemPrompt, double temperature);
@@ -47,6 +54,15 @@ class LLMService {
   // content type.
   Task<JSON> post(std::string url, URLHeaders headers, JSON body);
 
+  // Its two halves, for a call to which a status says more.
+  struct HTTPAnswer {
+    int status;
+    Data body;
+  };
+  Task<HTTPAnswer> send(std::string url, URLHeaders headers, JSON body);
+  static JSON answerIn(const HTTPAnswer& answer);
+
+  HostedToken hostedToken_;
   MainActor& mainActor_;
   std::unique_ptr<SerialExecutor> executor_;
   std::unique_ptr<URLSession> session_;

@@ -3,6 +3,7 @@
 #include "concurrency/MainActor.h"
 #include "concurrency/SerialExecutor.h"
 #include "platform/Accessibility.h"
+#include "platform/AppleEvents.h"
 #include "platform/Application.h"
 #include "platform/Bundle.h"
 #include "platform/CarbonEvents.h"
@@ -25,6 +26,7 @@ class Platform {
 
   virtual MainActor& mainActor() = 0;
   virtual Application& application() = 0;
+  virtual AppleEventManager& sharedAppleEventManager() = 0;
   virtual StatusBar& systemStatusBar() = 0;
   virtual Pasteboard& generalPasteboard() = 0;
   virtual CarbonEvents& carbonEvents() = 0;
@@ -35,6 +37,8 @@ class Platform {
   virtual UserDefaults& standardUserDefaults() = 0;
   virtual Bundle& mainBundle() = 0;
 
+  // The session of all that needs no configuration of its own (NSURLSession.sharedSession).
+  virtual URLSession& sharedURLSession() = 0;
   virtual std::unique_ptr<URLSession> makeURLSession(const URLSessionConfiguration& configuration) = 0;
   virtual std::unique_ptr<SerialExecutor> makeSerialExecutor() = 0;
 

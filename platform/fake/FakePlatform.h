@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Platform.h"
+#include "platform/fake/AppleEvents.h"
 #include "platform/fake/CarbonEvents.h"
 #include "platform/fake/EventLog.h"
 #include "platform/fake/Keychain.h"
@@ -84,6 +85,7 @@ class FakePlatform : public Platform {
  public:
   MainActor& mainActor() override { return loop; }
   Application& application() override { return app; }
+  AppleEventManager& sharedAppleEventManager() override { return appleEvents; }
   StatusBar& systemStatusBar() override { return statusBar; }
   Pasteboard& generalPasteboard() override { return pasteboard; }
   CarbonEvents& carbonEvents() override { return hotKeys; }
@@ -93,12 +95,14 @@ class FakePlatform : public Platform {
   Keychain& keychain() override { return secrets; }
   UserDefaults& standardUserDefaults() override { return defaults; }
   Bundle& mainBundle() override { return bundle; }
+  URLSession& sharedURLSession() override { return sharedSession; }
   std::unique_ptr<URLSession> makeURLSession(const URLSessionConfiguration& configuration) override;
   std::unique_ptr<SerialExecutor> makeSerialExecutor() override { return std::make_unique<FakeSerialExecutor>(loop); }
 
   EventLog log;
   FakeMainActor loop{log};
   FakeApplication app{log};
+  FakeAppleEventManager appleEvents;
   FakeStatusBar statusBar{log};
   FakePasteboard pasteboard{log};
   FakeCarbonEvents hotKeys{log};
@@ -108,7 +112,9 @@ class FakePlatform : public Platform {
   FakeKeychain secrets;
   FakeUserDefaults defaults;
   FakeBundle bundle;
-  FakeURLSession::Exchange network;
+  FakeURLSession::Exchange network;  // of the sessions that were made
+  FakeURLSession::Exchange sharedNetwork;
+  FakeURLSession sharedSession{sharedNetwork};
 };
 
 }  // namespace tavelle

@@ -14,7 +14,7 @@ namespace tavelle {
 // flight until one is given.
 class FakeURLSession : public URLSession {
  public:
-  // Shared by all sessions of a platform.
+  // What sessions have in common: all that a platform makes share one.
   struct Exchange {
     std::vector<URLSessionConfiguration> configurations;
     std::vector<URLRequest> requests;

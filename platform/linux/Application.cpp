@@ -6,12 +6,13 @@
 
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <utility>
 
 namespace tavelle {
 
-LinuxApplication::LinuxApplication(SessionBus& bus)
-    : bus_(bus), application_(g_application_new(applicationID, G_APPLICATION_HANDLES_OPEN)) {
+LinuxApplication::LinuxApplication(SessionBus& bus, LinuxAppleEventManager& events)
+    : bus_(bus), events_(events), application_(g_application_new(applicationID, G_APPLICATION_HANDLES_OPEN)) {
   g_signal_connect(application_.get(), "notify::is-registered", G_CALLBACK(onRegistered), this);
   g_signal_connect(application_.get(), "startup", G_CALLBACK(onStartup), this);
   g_signal_connect(application_.get(), "activate", G_CALLBACK(onActivate), this);
@@ -57,9 +58,23 @@ void LinuxApplication::onActivate(GApplication*, gpointer self) {
   static_cast<LinuxApplication*>(self)->reopen();
 }
 
-// Links of the application's scheme arrive here, in `files`; there is nobody yet to pass them to.
-void LinuxApplication::onOpen(GApplication*, GFile**, int, const char*, gpointer self) {
-  static_cast<LinuxApplication*>(self)->reopen();
+// Links arrive here, whoever opened them; those that started the process after its launch.
+void LinuxApplication::onOpen(GApplication*, GFile** links, int count, const char*, gpointer self) {
+  for (GFile* const link : std::span{links, static_cast<std::size_t>(count)}) {
+    static_cast<LinuxApplication*>(self)->openLink(link);
+  }
+}
+
+void LinuxApplication::openLink(GFile* link) {
+  isLaunchActivationDue_ = false;
+  if (isAnotherRunning_) {
+    std::fputs("Tavelle: the link could not be passed to the one that is running: it is on no session bus of ours\n",
+               stderr);
+    exitStatus_ = EXIT_FAILURE;
+    return;
+  }
+  const GPtr<> url{g_file_get_uri(link)};
+  events_.getURL(url.get());
 }
 
 void LinuxApplication::reopen() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Application.h"
+#include "platform/linux/AppleEvents.h"
 #include "platform/linux/GObjectPtr.h"
 #include "platform/linux/GSourcePtr.h"
 #include "platform/linux/InstanceLock.h"
@@ -15,7 +16,8 @@ namespace tavelle {
 
 inline constexpr const char* applicationID = "app.tavelle.Tavelle";
 
-// The application object on GApplication: the main loop, one instance a session, activation over the session bus.
+// The application object on GApplication: the main loop, one instance a session, activation and links over the session
+// bus.
 //
 // SIGTERM, SIGINT and SIGHUP end it as terminate() does; the second signal of a kind ends the process there and then.
 class LinuxApplication : public Application {
@@ -28,7 +30,7 @@ class LinuxApplication : public Application {
     std::function<void(std::function<void()> done)> handOver;
   };
 
-  explicit LinuxApplication(SessionBus& bus);
+  LinuxApplication(SessionBus& bus, LinuxAppleEventManager& events);
   ~LinuxApplication() override;
 
   void setEnding(Ending ending) { ending_ = std::move(ending); }
@@ -48,6 +50,7 @@ class LinuxApplication : public Application {
 
   void launch();
   void reopen();
+  void openLink(GFile* link);
   void watchSignals();
   template <int number>
   void watchSignal();
@@ -56,6 +59,7 @@ class LinuxApplication : public Application {
   void tellDelegate(Tell tell);
 
   SessionBus& bus_;
+  LinuxAppleEventManager& events_;
   GObjectPtr<GApplication> application_;
   InstanceLock lock_;
   std::vector<GSourcePtr> signals_;

@@ -8,10 +8,11 @@ namespace tavelle {
 namespace {
 
 constexpr const char* help =
-    "Usage: tavelle\n"
+    "Usage: tavelle [LINK...]\n"
     "\n"
     "Starts Tavelle, which rewords the text selected in any application. It shows itself in the tray.\n"
     "Started again while it is running, it tells the one that runs and ends.\n"
+    "A LINK is one that signs in (tavelle:...), as the desktop opens it.\n"
     "\n"
     "  -h, --help     Show this and exit\n"
     "      --version  Show the version and exit\n";

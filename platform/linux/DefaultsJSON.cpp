@@ -1,9 +1,11 @@
 #include "platform/linux/DefaultsJSON.h"
 
+#include "platform/UTF8.h"
 #include "platform/linux/GObjectPtr.h"
 
 #include <glib.h>
 
+#include <algorithm>
 #include <algorithm>
 #include <limits>
 #include <utility>
@@ -30,16 +32,6 @@ JSON parse(const std::string& text, int deepest) {
       },
       false);
   return isTooDeep ? JSON(JSON::value_t::discarded) : json;
-}
-
-bool isUTF8(const std::string& text) {
-  // A NUL is UTF-8; GLib's check of a length takes it for the end.
-  for (std::size_t at = 0; at <= text.size();) {
-    const auto end = std::min(text.find('\0', at), text.size());
-    if (!g_utf8_validate_len(text.data() + at, end - at, nullptr)) return false;
-    at = end + 1;
-  }
-  return true;
 }
 
 const std::string* onlyMember(const JSON& json, const char* key) {

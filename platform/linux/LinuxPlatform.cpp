@@ -1,8 +1,8 @@
 #include "platform/linux/LinuxPlatform.h"
 
 #include "platform/linux/CommandLine.h"
+#include "platform/linux/LinkPrivacy.h"
 #include "platform/linux/SerialExecutor.h"
-#include "platform/linux/URLSession.h"
 
 #include <malloc.h>
 
@@ -42,6 +42,7 @@ void shareOneHeap() {
 }  // namespace
 
 std::variant<std::unique_ptr<LinuxPlatform>, int> LinuxPlatform::start(std::span<char*> arguments) {
+  keepLinksPrivate(arguments);
   if (const auto exitStatus = answerCommandLine(arguments)) return *exitStatus;
   shareOneHeap();
   std::unique_ptr<LinuxPlatform> platform{new LinuxPlatform};

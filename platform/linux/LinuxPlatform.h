@@ -2,12 +2,14 @@
 
 #include "observation/Subscription.h"
 #include "platform/Platform.h"
+#include "platform/linux/AppleEvents.h"
 #include "platform/linux/Application.h"
 #include "platform/linux/Bundle.h"
 #include "platform/linux/Keychain.h"
 #include "platform/linux/MainActor.h"
 #include "platform/linux/SessionBus.h"
 #include "platform/linux/StatusBar.h"
+#include "platform/linux/URLSession.h"
 #include "platform/linux/UserDefaults.h"
 #include "platform/linux/UserNotificationCenter.h"
 #include "platform/linux/x11/Desktop.h"
@@ -30,6 +32,7 @@ class LinuxPlatform : public Platform {
 
   MainActor& mainActor() override { return mainActor_; }
   Application& application() override { return application_; }
+  AppleEventManager& sharedAppleEventManager() override { return appleEvents_; }
   StatusBar& systemStatusBar() override { return statusBar_; }
   Pasteboard& generalPasteboard() override { return desktop_->pasteboard(); }
   CarbonEvents& carbonEvents() override { return desktop_->carbonEvents(); }
@@ -40,6 +43,7 @@ class LinuxPlatform : public Platform {
   UserDefaults& standardUserDefaults() override;
   Bundle& mainBundle() override { return bundle_; }
 
+  URLSession& sharedURLSession() override { return sharedURLSession_; }
   std::unique_ptr<URLSession> makeURLSession(const URLSessionConfiguration& configuration) override;
   std::unique_ptr<SerialExecutor> makeSerialExecutor() override;
 
@@ -49,12 +53,14 @@ class LinuxPlatform : public Platform {
 
   GLibMainActor mainActor_;
   SessionBus bus_;
-  LinuxApplication application_{bus_};
+  LinuxAppleEventManager appleEvents_;
+  LinuxApplication application_{bus_, appleEvents_};
   std::unique_ptr<x11::Desktop> desktop_;
   DBusStatusBar statusBar_{bus_, mainActor_};
   DBusNotificationCenter notificationCenter_{bus_};
   SecretServiceKeychain keychain_;
   std::optional<JSONUserDefaults> userDefaults_;  // read when first asked for: not in a second instance
+  CurlURLSession sharedURLSession_{URLSessionConfiguration{}};
   LinuxBundle bundle_{LinuxBundle::standardFolder()};
   Subscription desktopLost_;
 };

@@ -43,7 +43,8 @@ class LLMServiceFixture : public testing::Test {
   JSON requestBody() const { return decodeJSON(request().body); }
 
   FakePlatform platform;
-  LLMService service{platform};
+  std::optional<std::string> hostedToken;
+  LLMService service{platform, [this] { return hostedToken; }};
 
   std::string text = "arbitrary text";
   std::string model = "arbitrary-model";

@@ -20,6 +20,14 @@ Task<void> keepOutcome(Task<T> work, std::optional<T>* result, std::exception_pt
   }
 }
 
+inline Task<void> keepError(Task<void> work, std::exception_ptr* error) {
+  try {
+    co_await work;
+  } catch (...) {
+    *error = std::current_exception();
+  }
+}
+
 }  // namespace detail
 
 // Runs `work` to its end on the hand-cranked loop, and returns its result or throws what it threw. The loop must be
@@ -32,6 +40,13 @@ T await(FakeMainActor& loop, Task<T> work) {
   loop.runToEnd();
   if (error) std::rethrow_exception(error);
   return std::move(result).value();
+}
+
+inline void await(FakeMainActor& loop, Task<void> work) {
+  std::exception_ptr error;
+  loop.start(detail::keepError(std::move(work), &error));
+  loop.runToEnd();
+  if (error) std::rethrow_exception(error);
 }
 
 }  // namespace tavelle::tests

@@ -3,6 +3,7 @@
 #include "platform/linux/Application.h"
 #include "platform/linux/CommandLine.h"
 #include "platform/linux/GSourcePtr.h"
+#include "platform/linux/LinkPrivacy.h"
 
 #include <glib-unix.h>
 
@@ -34,10 +35,17 @@ gboolean userSignal(gpointer) {
 
 int main(int argc, char** argv) {
   const std::span<char*> arguments{argv, static_cast<std::size_t>(argc)};
+  keepLinksPrivate(arguments);
   if (const auto status = answerCommandLine(arguments)) return *status;
 
   SessionBus bus;
-  LinuxApplication application{bus};
+  LinuxAppleEventManager events;
+  events.setEventHandler(
+      [](const AppleEvent& event, AppleEvent&) {
+        std::printf("get URL %s\n", event.paramDescriptorForKeyword(keyDirectObject)->stringValue->c_str());
+      },
+      kInternetEventClass, kAEGetURL);
+  LinuxApplication application{bus, events};
   const auto delegate = std::make_shared<Delegate>();
   application.setDelegate(delegate);
 

@@ -8,12 +8,22 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <fstream>
+#include <iterator>
 
 namespace tavelle::tests {
 namespace {
 
 constexpr const char* launched = "will finish launching\ndid finish launching\n";
 constexpr const char* isRunningAlready = "Tavelle is already running.\n";
+
+constexpr dbus::Method open = {applicationID, "/app/tavelle/Tavelle", "org.freedesktop.Application", "Open"};
+
+// What others see in the list of processes.
+std::string commandLineOf(int processID) {
+  std::ifstream file{"/proc/" + std::to_string(processID) + "/cmdline"};
+  return {std::istreambuf_iterator<char>{file}, {}};
+}
 
 class ApplicationTest : public testing::Test {
  protected:
@@ -172,10 +182,108 @@ TEST_F(ApplicationTest, takesTheActivationThatTheBusStartedItForAsTheLaunch) {
             std::string{launched} + "should handle reopen\nwill terminate\nwithdraw\nhanding over\nended\n");
 }
 
+TEST_F(ApplicationTest, deliversTheLinkThatStartedItByteForByteOnceLaunched) {
+  PrivateBus bus;
+  for (const auto& environment : {onBus(bus), withoutBus()}) {
+    const auto program = start(environment, {"tavelle://auth?token=a%20b+c%2F&x#y"});
+    EXPECT_TRUE(program->hasWritten(std::string{launched} + "get URL tavelle://auth?token=a%20b+c%2F&x#y\n"));
+  }
+}
+
+TEST_F(ApplicationTest, takesTheLinkThatStartedItAsTheLaunch) {
+  PrivateBus bus;
+  const auto first = start(onBus(bus), {"tavelle://auth?token=a"});
+  ASSERT_TRUE(first->hasWritten("get URL"));
+  EXPECT_EQ(start(onBus(bus))->exitStatus(), 0);
+  EXPECT_TRUE(first->hasWritten("should handle reopen\n"));
+}
+
+TEST_F(ApplicationTest, passesTheLinksOfASecondStartOnToTheFirst) {
+  PrivateBus bus;
+  const auto first = start(onBus(bus));
+  ASSERT_TRUE(first->hasWritten(launched));
+  EXPECT_EQ(start(onBus(bus), {"tavelle://auth?token=a", "tavelle://auth?token=b"})->exitStatus(), 0);
+  EXPECT_TRUE(first->hasWritten("get URL tavelle://auth?token=a\nget URL tavelle://auth?token=b\n"));
+  EXPECT_EQ(first->output().find("reopen"), std::string::npos);
+}
+
+TEST_F(ApplicationTest, deliversTheLinkThatTheBusStartedItFor) {
+  PrivateBus bus;
+  const auto program = start(onBus(bus), {"--gapplication-service"});
+  ASSERT_TRUE(program->hasWritten(launched));
+  const auto peer = bus.connect();
+  const auto openLinks = [&](const std::string& links) {
+    return textOf(callAndWait(peer.get(), open, g_variant_new_parsed(("(" + links + ", @a{sv} {})").c_str())));
+  };
+  EXPECT_EQ(openLinks("['tavelle://auth?token=a%20b']"), "()");
+  EXPECT_EQ(openLinks("['TAVELLE:x', 'file:///etc/passwd', 'no link', '']"), "()");
+  EXPECT_TRUE(
+      program->hasWritten("get URL tavelle://auth?token=a%20b\nget URL TAVELLE:x\nget URL file:///etc/passwd\n"));
+  EXPECT_TRUE(program->isRunning());
+}
+
+TEST_F(ApplicationTest, deliversTenThousandLinksInARowAndOneOf16KB) {
+  PrivateBus bus;
+  const auto program = start(onBus(bus));
+  ASSERT_TRUE(program->hasWritten(launched));
+  const auto peer = bus.connect();
+  const std::string longLink = "tavelle://auth?token=" + std::string(16384, 'x');
+  std::vector<const char*> links(10000, "tavelle://auth?token=a");
+  links.push_back(longLink.c_str());
+  GVariant* const list = g_variant_new_strv(links.data(), static_cast<gssize>(links.size()));
+  callAndWait(peer.get(), open, g_variant_new("(@as@a{sv})", list, g_variant_new_parsed("@a{sv} {}")));
+  ASSERT_TRUE(program->hasWritten("get URL " + longLink + "\n"));
+  std::size_t count = 0;
+  for (std::size_t at = 0; (at = program->output().find("token=a\n", at)) != std::string::npos; ++at) ++count;
+  EXPECT_EQ(count, 10000);
+}
+
+TEST_F(ApplicationTest, keepsNoLinkInTheListOfProcesses) {
+  const auto program = start(withoutBus(), {"tavelle://auth?token=secret"});
+  ASSERT_TRUE(program->hasWritten("get URL tavelle://auth?token=secret\n"));
+  const std::string shown = commandLineOf(program->processID());
+  EXPECT_TRUE(shown.starts_with(TAVELLE_TEST_APPLICATION)) << shown;
+  EXPECT_EQ(shown.find("auth"), std::string::npos);
+}
+
+TEST_F(ApplicationTest, recordsNoLinkHoweverMuchGLibIsAskedToTell) {
+  PrivateBus bus;
+  auto talkative = onBus(bus);
+  talkative["G_DBUS_DEBUG"] = "all";
+  talkative["G_MESSAGES_DEBUG"] = "all";
+  const auto first = start(talkative);
+  ASSERT_TRUE(first->hasWritten(launched));
+  const auto second = start(talkative, {"tavelle://auth?token=secret"});
+  EXPECT_EQ(second->exitStatus(), 0);
+  EXPECT_EQ(second->output().find("secret"), std::string::npos) << second->output();
+  ASSERT_TRUE(first->hasWritten("get URL tavelle://auth?token=secret\n"));
+  EXPECT_EQ(first->output().find("secret"), first->output().rfind("secret")) << first->output();
+}
+
+TEST_F(ApplicationTest, tellsThatALinkCannotBePassedOnWithoutABusAndDoesNotTellTheLink) {
+  const auto first = start(withoutBus());
+  ASSERT_TRUE(first->hasWritten(launched));
+  const auto second = start(withoutBus(), {"tavelle://auth?token=secret"});
+  EXPECT_EQ(second->exitStatus(), 1);
+  EXPECT_NE(second->output().find("the link could not be passed"), std::string::npos) << second->output();
+  EXPECT_EQ(second->output().find("secret"), std::string::npos) << second->output();
+}
+
+TEST_F(ApplicationTest, survivesALinkThatIsNotUTF8) {
+  PrivateBus bus;
+  const auto first = start(onBus(bus));
+  ASSERT_TRUE(first->hasWritten(launched));
+  const auto second = start(onBus(bus), {"tavelle://auth?token=secret\xFF"});
+  second->exitStatus();
+  EXPECT_EQ(second->output().find("secret"), std::string::npos) << second->output();
+  EXPECT_EQ(start(onBus(bus), {"tavelle://auth?token=b"})->exitStatus(), 0);
+  EXPECT_TRUE(first->hasWritten("get URL tavelle://auth?token=b\n")) << first->output();
+}
+
 TEST_F(ApplicationTest, answersForItsCommandLineWithoutADesktop) {
   const auto help = start(withoutBus(), {"--help"});
   EXPECT_EQ(help->exitStatus(), 0);
-  EXPECT_TRUE(help->output().starts_with("Usage: tavelle\n")) << help->output();
+  EXPECT_TRUE(help->output().starts_with("Usage: tavelle [LINK...]\n")) << help->output();
   const auto version = start(withoutBus(), {"--version"});
   EXPECT_EQ(version->exitStatus(), 0);
   EXPECT_EQ(version->output(), "Tavelle " TAVELLE_TEST_VERSION "\n");
