@@ -78,7 +78,7 @@ void HeadlessRenderer::perform(const Update& update) {
     }
   }
   widget.cursor = std::min(widget.cursor, widget.string(Attribute::value).size());
-  changed(widget);
+  if (widget.capture) listener(widget).updateView(*widget.capture);
 }
 
 void HeadlessRenderer::perform(const Insert& insert) {
@@ -87,10 +87,9 @@ void HeadlessRenderer::perform(const Insert& insert) {
   place(std::move(created.mapped()), insert.parent, insert.after);
   Widget& widget = at(insert.node);
   if (widget.type != NodeType::keyCapture) return;
-  widget.capture = std::make_shared<KeyCaptureView>();
-  widget.capture->handler = [this, node = insert.node](const KeyDown& event) { send_(input_.stamp(node, event)); };
+  widget.capture = listener(widget).makeView();
   widget.capture->viewDidMoveToWindow(*this);
-  changed(widget);
+  listener(widget).updateView(*widget.capture);
 }
 
 void HeadlessRenderer::perform(const Move& move) {
@@ -138,8 +137,8 @@ void HeadlessRenderer::forget(const Widget& widget) {
   widgets_.erase(widget.node);
 }
 
-void HeadlessRenderer::changed(Widget& widget) {
-  if (widget.capture) widget.capture->isEnabled = widget.isEnabled();
+KeyDownListener HeadlessRenderer::listener(const Widget& widget) {
+  return {widget.isEnabled(), [this, node = widget.node](const KeyDown& event) { send_(input_.stamp(node, event)); }};
 }
 
 EventMonitors::Token HeadlessRenderer::addLocalMonitorForEventsMatchingMask(std::uint64_t mask, Block block) {
@@ -210,9 +209,10 @@ std::string HeadlessRenderer::focused() const {
 }
 
 void HeadlessRenderer::press(std::string_view name) {
-  const Widget& button = widget(name);
-  require(button.type == NodeType::button, "not a button: " + std::string{name});
-  if (button.isEnabled()) send_(input_.stamp(button.node, Pressed{}));
+  const auto* const button =
+      find([name](const Widget& one) { return one.type == NodeType::button && isNamed(one, name); });
+  require(button != nullptr, "there is no button \"" + std::string{name} + "\", but: " + everything());
+  if (button->isEnabled()) send_(input_.stamp(button->node, Pressed{}));
 }
 
 void HeadlessRenderer::choose(const Widget& chooser, std::string_view tag) {

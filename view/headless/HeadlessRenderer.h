@@ -1,6 +1,6 @@
 #pragma once
 
-#include "view/KeyCaptureView.h"
+#include "view/KeyDownListener.h"
 #include "view/Renderer.h"
 #include "view/UnseenInput.h"
 
@@ -80,7 +80,7 @@ class HeadlessRenderer : public Renderer, public EventMonitors {
   void place(std::unique_ptr<Widget> widget, NodeID parent, NodeID after);
   static std::unique_ptr<Widget> detach(Widget& widget);
   void forget(const Widget& widget);
-  void changed(Widget& widget);
+  KeyDownListener listener(const Widget& widget);
   void edit(Widget& field, std::string text, std::size_t cursor);
   const Widget* find(const std::function<bool(const Widget&)>& matches) const;
   std::string everything() const;
