@@ -26,10 +26,8 @@ class UIFixture : public testing::Test {
   void TearDown() override {
     reconciler.reset();
     platform.loop.runToEnd();
-    while (!platform.network.inFlight.empty()) {  // their coroutines hold what the platform is made of
-      platform.network.fail({URLError::Code::cancelled, "cancelled"});
-      platform.loop.runToEnd();
-    }
+    cancel(platform.network);  // their coroutines hold what the platform is made of
+    cancel(platform.sharedNetwork);
   }
 
   // A new view of it, in place of the one before.
@@ -84,6 +82,13 @@ class UIFixture : public testing::Test {
   std::unique_ptr<view::HeadlessRenderer> screen;
 
  private:
+  void cancel(FakeURLSession::Exchange& network) {
+    while (!network.inFlight.empty()) {
+      network.fail({URLError::Code::cancelled, "cancelled"});
+      platform.loop.runToEnd();
+    }
+  }
+
   static void collect(const view::HeadlessRenderer::Widget& widget, std::vector<std::string>& words) {
     for (const auto attribute : {Attribute::title, Attribute::text, Attribute::symbol}) {
       if (auto said = widget.string(attribute); !said.empty()) words.push_back(std::move(said));
