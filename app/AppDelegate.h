@@ -7,6 +7,7 @@
 #include "platform/Application.h"
 #include "platform/StatusBar.h"
 #include "platform/UUID.h"
+#include "platform/Window.h"
 #include "settings/RewriteProfile.h"
 
 #include <cstdint>
@@ -26,6 +27,7 @@ class AppDelegate : public ApplicationDelegate, public std::enable_shared_from_t
   explicit AppDelegate(Platform& platform);
 
   void applicationDidFinishLaunching() override;
+  void applicationShouldHandleReopen() override;
 
   // Ends a run that is in progress: the pasteboard comes back at once, and nothing more is pasted or told.
   void applicationWillTerminate() override;
@@ -36,6 +38,9 @@ class AppDelegate : public ApplicationDelegate, public std::enable_shared_from_t
 
   // The menu's "Reword Selection": the first profile, if there is one.
   void rewordAction();
+
+  // Shows the settings window, making it first where there is none yet, and brings the application to the front.
+  void openSettings();
 
   void quitApp();
 
@@ -61,6 +66,7 @@ class AppDelegate : public ApplicationDelegate, public std::enable_shared_from_t
   ClipboardManager clipboardManager_;
   bool isProcessing_ = false;
   bool isTerminating_ = false;
+  std::unique_ptr<Window> settingsWindow_;
   std::vector<Subscription> cancellables_;
 };
 
