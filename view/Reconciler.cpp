@@ -4,6 +4,7 @@
 #include "view/Matching.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace tavelle::view {
