@@ -17,15 +17,15 @@ class State {
 
   const T& get() const { return value_; }
 
-  void set(T value) {
+  void set(const T& value) {
     if (value == value_) return;
-    value_ = std::move(value);
+    value_ = value;
     owner_.invalidate();
   }
 
   // Good for as long as the component lives.
   Binding<T> binding() {
-    return {[this] { return value_; }, [this](T value) { set(std::move(value)); }};
+    return {[this] { return value_; }, [this](const T& value) { set(value); }};
   }
 
  private:
