@@ -1,6 +1,7 @@
 #include "app/AppDelegate.h"
 
 #include "account/TavelleAccountManager.h"
+#include "app/SettingsWindow.h"
 #include "hotkeys/HotkeyManager.h"
 #include "platform/Platform.h"
 #include "platform/URL.h"
@@ -61,10 +62,11 @@ Menu AppDelegate::menu() {
       if (const auto self = weak.lock()) std::invoke(action, *self);
     };
   };
+  const auto settings = platform_.canMakeWindows() ? calling(&AppDelegate::openSettings) : std::function<void()>{};
   return {
       {.title = "Reword Selection", .action = calling(&AppDelegate::rewordAction), .keyEquivalent = ""},
       MenuItem::separator(),
-      {.title = "Settings...", .action = nullptr, .keyEquivalent = ","},  // disabled until there is a window to open
+      {.title = "Settings...", .action = settings, .keyEquivalent = ","},
       MenuItem::separator(),
       {.title = "Quit Tavelle", .action = calling(&AppDelegate::quitApp), .keyEquivalent = "q"},
   };
@@ -80,6 +82,17 @@ void AppDelegate::registerHotkeys() {
 
 void AppDelegate::askForAccessibility() {
   platform_.accessibility().isProcessTrustedWithOptions({{trustedCheckOptionPrompt, true}});
+}
+
+// Started again by the person, who may see no menu bar: there is nothing else to come back to.
+void AppDelegate::applicationShouldHandleReopen() {
+  if (platform_.canMakeWindows()) openSettings();
+}
+
+void AppDelegate::openSettings() {
+  if (!settingsWindow_) settingsWindow_ = makeSettingsWindow(platform_);
+  settingsWindow_->makeKeyAndOrderFront();
+  platform_.application().activateIgnoringOtherApps(true);
 }
 
 void AppDelegate::quitApp() {

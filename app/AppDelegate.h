@@ -8,6 +8,7 @@
 #include "platform/Application.h"
 #include "platform/StatusBar.h"
 #include "platform/UUID.h"
+#include "platform/Window.h"
 #include "settings/RewriteProfile.h"
 
 #include <cstdint>
@@ -30,6 +31,7 @@ class AppDelegate : public ApplicationDelegate, public std::enable_shared_from_t
   void applicationWillFinishLaunching() override;
 
   void applicationDidFinishLaunching() override;
+  void applicationShouldHandleReopen() override;
 
   // Ends a run that is in progress: the pasteboard comes back at once, and nothing more is pasted or told.
   void applicationWillTerminate() override;
@@ -40,6 +42,9 @@ class AppDelegate : public ApplicationDelegate, public std::enable_shared_from_t
 
   // The menu's "Reword Selection": the first profile, if there is one.
   void rewordAction();
+
+  // Shows the settings window, making it first where there is none yet, and brings the application to the front.
+  void openSettings();
 
   void quitApp();
 
@@ -68,6 +73,7 @@ class AppDelegate : public ApplicationDelegate, public std::enable_shared_from_t
   ClipboardManager clipboardManager_;
   bool isProcessing_ = false;
   bool isTerminating_ = false;
+  std::unique_ptr<Window> settingsWindow_;
   std::vector<Subscription> cancellables_;
 };
 

@@ -32,6 +32,9 @@ class Application {
   // main()'s. Where another instance is running already, it is told so and this returns at once, without launching.
   virtual int run(std::span<char*> arguments) = 0;
 
+  // Brings the application's windows before those of others. Linux: what the window manager makes of it.
+  virtual void activateIgnoringOtherApps(bool flag) = 0;
+
   // Ends the application, returning first. Linux: what is on the pasteboard is handed over before the process ends.
   virtual void terminate() = 0;
 };

@@ -14,6 +14,7 @@
 #include "platform/URLSession.h"
 #include "platform/UserDefaults.h"
 #include "platform/UserNotificationCenter.h"
+#include "platform/Window.h"
 
 #include <memory>
 
@@ -41,6 +42,11 @@ class Platform {
   virtual URLSession& sharedURLSession() = 0;
   virtual std::unique_ptr<URLSession> makeURLSession(const URLSessionConfiguration& configuration) = 0;
   virtual std::unique_ptr<SerialExecutor> makeSerialExecutor() = 0;
+
+  // Whether there is anything to draw a window with. Linux: not yet.
+  virtual bool canMakeWindows() const = 0;
+  virtual std::unique_ptr<Window> makeWindow(Rect contentRect, WindowStyleMask styleMask, BackingStoreType backing,
+                                             bool defer) = 0;
 
   // The backend in use. There must be one.
   static Platform& current();

@@ -10,6 +10,7 @@ Writes beside resources/icons/NAME-symbolic.svg:
 and in resources/macos:
   NAME.png, NAME@2x.png  the shape in black, for the menu bar
   AppIcon.icns           of AppIcon.svg
+  AboutIcon.png, AboutIcon@2x.png  of the same
 """
 
 import pathlib
@@ -23,6 +24,8 @@ BUNDLE = RESOURCES / "macos"
 
 # The menu bar is 22 points high, and leaves room above and below.
 MENU_BAR_POINTS = 18
+
+ABOUT_POINTS = 96
 
 # The members of an .icns file that hold a PNG of that many pixels.
 ICNS = {b"icp4": 16, b"ic11": 32, b"icp5": 32, b"ic12": 64, b"ic07": 128, b"ic13": 256, b"ic08": 256, b"ic14": 512,
@@ -61,7 +64,10 @@ def main() -> None:
         svg.with_suffix(".png").write_bytes(render(svg, max(SIZES)))
         (BUNDLE / f"{name}.png").write_bytes(black(render(svg, MENU_BAR_POINTS)))
         (BUNDLE / f"{name}@2x.png").write_bytes(black(render(svg, 2 * MENU_BAR_POINTS)))
-    (BUNDLE / "AppIcon.icns").write_bytes(icns(BUNDLE / "AppIcon.svg"))
+    icon = BUNDLE / "AppIcon.svg"
+    (BUNDLE / "AppIcon.icns").write_bytes(icns(icon))
+    (BUNDLE / "AboutIcon.png").write_bytes(render(icon, ABOUT_POINTS))
+    (BUNDLE / "AboutIcon@2x.png").write_bytes(render(icon, 2 * ABOUT_POINTS))
 
 
 if __name__ == "__main__":

@@ -5,6 +5,8 @@ set_target_properties(tavelle PROPERTIES
   MACOSX_BUNDLE_INFO_PLIST ${PROJECT_SOURCE_DIR}/resources/Info.plist.in)
 
 set(resources
+  ${PROJECT_SOURCE_DIR}/resources/macos/AboutIcon.png
+  ${PROJECT_SOURCE_DIR}/resources/macos/AboutIcon@2x.png
   ${PROJECT_SOURCE_DIR}/resources/macos/AppIcon.icns
   ${PROJECT_SOURCE_DIR}/resources/macos/MenuBarIcon.png
   ${PROJECT_SOURCE_DIR}/resources/macos/MenuBarIcon@2x.png)

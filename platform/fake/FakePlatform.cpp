@@ -78,6 +78,10 @@ int FakeApplication::run(std::span<char*>) {
   return 0;
 }
 
+void FakeApplication::activateIgnoringOtherApps(bool flag) {
+  log.add(flag ? "activated" : "activated behind others");
+}
+
 void FakeApplication::terminate() {
   if (const auto target = delegate.lock()) target->applicationWillTerminate();
   log.add("terminated");
@@ -86,6 +90,13 @@ void FakeApplication::terminate() {
 std::unique_ptr<URLSession> FakePlatform::makeURLSession(const URLSessionConfiguration& configuration) {
   network.configurations.push_back(configuration);
   return std::make_unique<FakeURLSession>(network);
+}
+
+std::unique_ptr<Window> FakePlatform::makeWindow(Rect contentRect, WindowStyleMask styleMask, BackingStoreType backing,
+                                                 bool defer) {
+  auto window = std::make_unique<FakeWindow>(log, contentRect, styleMask, backing, defer);
+  windows.push_back(window.get());
+  return window;
 }
 
 }  // namespace tavelle

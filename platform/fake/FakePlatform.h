@@ -10,6 +10,7 @@
 #include "platform/fake/QuartzEvents.h"
 #include "platform/fake/URLSession.h"
 #include "platform/fake/UserDefaults.h"
+#include "platform/fake/Window.h"
 
 #include <deque>
 #include <map>
@@ -74,6 +75,7 @@ struct FakeApplication : Application {
   explicit FakeApplication(EventLog& eventLog) : log(eventLog) {}
   void setDelegate(std::weak_ptr<ApplicationDelegate> value) override { delegate = std::move(value); }
   int run(std::span<char*>) override;
+  void activateIgnoringOtherApps(bool flag) override;
   void terminate() override;
 
   EventLog& log;
@@ -98,6 +100,9 @@ class FakePlatform : public Platform {
   URLSession& sharedURLSession() override { return sharedSession; }
   std::unique_ptr<URLSession> makeURLSession(const URLSessionConfiguration& configuration) override;
   std::unique_ptr<SerialExecutor> makeSerialExecutor() override { return std::make_unique<FakeSerialExecutor>(loop); }
+  bool canMakeWindows() const override { return hasWindows; }
+  std::unique_ptr<Window> makeWindow(Rect contentRect, WindowStyleMask styleMask, BackingStoreType backing,
+                                     bool defer) override;
 
   EventLog log;
   FakeMainActor loop{log};
@@ -115,6 +120,8 @@ class FakePlatform : public Platform {
   FakeURLSession::Exchange network;  // of the sessions that were made
   FakeURLSession::Exchange sharedNetwork;
   FakeURLSession sharedSession{sharedNetwork};
+  bool hasWindows = true;
+  std::vector<FakeWindow*> windows;  // all that were made; their owner may have dropped them
 };
 
 }  // namespace tavelle

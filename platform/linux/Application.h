@@ -37,6 +37,7 @@ class LinuxApplication : public Application {
 
   void setDelegate(std::weak_ptr<ApplicationDelegate> delegate) override { delegate_ = std::move(delegate); }
   int run(std::span<char*> arguments) override;
+  void activateIgnoringOtherApps(bool) override {}  // nothing of this process is on the screen but its tray item
   void terminate() override;
 
   // Ends the main loop now, with `exitStatus`: where there is nobody left to hand anything to.

@@ -46,6 +46,8 @@ class LinuxPlatform : public Platform {
   URLSession& sharedURLSession() override { return sharedURLSession_; }
   std::unique_ptr<URLSession> makeURLSession(const URLSessionConfiguration& configuration) override;
   std::unique_ptr<SerialExecutor> makeSerialExecutor() override;
+  bool canMakeWindows() const override { return false; }
+  std::unique_ptr<Window> makeWindow(Rect, WindowStyleMask, BackingStoreType, bool) override { return nullptr; }
 
  private:
   LinuxPlatform();

@@ -15,6 +15,7 @@ class MacApplication : public Application {
   // Returns only where the event loop was stopped without terminate(), which ends the process itself.
   int run(std::span<char*> arguments) override;
 
+  void activateIgnoringOtherApps(bool flag) override;
   void terminate() override;
 
  private:

@@ -49,6 +49,10 @@ int MacApplication::run(std::span<char*>) {
   return EXIT_SUCCESS;
 }
 
+void MacApplication::activateIgnoringOtherApps(bool flag) {
+  [NSApplication.sharedApplication activateIgnoringOtherApps:flag];
+}
+
 void MacApplication::terminate() {
   // On a later turn of the loop: the application's own terminate: does not return.
   dispatch_async(dispatch_get_main_queue(), ^{

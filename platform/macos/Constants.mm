@@ -50,6 +50,10 @@ static_assert(isSame(AuthorizationOptions::badge, UNAuthorizationOptionBadge));
 static_assert(isSame(AuthorizationOptions::sound, UNAuthorizationOptionSound));
 static_assert(isSame(AuthorizationOptions::alert, UNAuthorizationOptionAlert));
 
+static_assert(isSame(WindowStyleMask::titled, NSWindowStyleMaskTitled));
+static_assert(isSame(WindowStyleMask::closable, NSWindowStyleMaskClosable));
+static_assert(isSame(BackingStoreType::buffered, NSBackingStoreBuffered));
+
 using Code = URLError::Code;
 static_assert(isSame(Code::unknown, NSURLErrorUnknown));
 static_assert(isSame(Code::cancelled, NSURLErrorCancelled));

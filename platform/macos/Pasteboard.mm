@@ -5,6 +5,13 @@
 #include "platform/macos/Strings.h"
 
 namespace tavelle {
+namespace {
+
+NSPasteboardType nsType(const PasteboardType& type) {
+  return type == pasteboardTypeString ? NSPasteboardTypeString : nsString(type);
+}
+
+}  // namespace
 
 Task<std::optional<std::vector<PasteboardType>>> MacPasteboard::types() {
   NSArray<NSPasteboardType>* const names = NSPasteboard.generalPasteboard.types;
@@ -15,13 +22,13 @@ Task<std::optional<std::vector<PasteboardType>>> MacPasteboard::types() {
 }
 
 Task<std::optional<Data>> MacPasteboard::dataForType(PasteboardType type) {
-  NSData* const data = [NSPasteboard.generalPasteboard dataForType:nsString(type)];
+  NSData* const data = [NSPasteboard.generalPasteboard dataForType:nsType(type)];
   if (!data) co_return std::nullopt;
   co_return bytesOf(data);
 }
 
 Task<std::optional<std::string>> MacPasteboard::stringForType(PasteboardType type) {
-  NSString* const string = [NSPasteboard.generalPasteboard stringForType:nsString(type)];
+  NSString* const string = [NSPasteboard.generalPasteboard stringForType:nsType(type)];
   if (!string) co_return std::nullopt;
   co_return utf8(string);
 }
@@ -31,12 +38,12 @@ void MacPasteboard::clearContents() {
 }
 
 bool MacPasteboard::setData(Data data, const PasteboardType& type) {
-  return [NSPasteboard.generalPasteboard setData:nsData(data) forType:nsString(type)];
+  return [NSPasteboard.generalPasteboard setData:nsData(data) forType:nsType(type)];
 }
 
 bool MacPasteboard::setString(std::string string, const PasteboardType& type) {
   NSString* const text = nsString(string);
-  return text && [NSPasteboard.generalPasteboard setString:text forType:nsString(type)];
+  return text && [NSPasteboard.generalPasteboard setString:text forType:nsType(type)];
 }
 
 }  // namespace tavelle

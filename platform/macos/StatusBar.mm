@@ -69,7 +69,8 @@ class MacStatusItem : public StatusItem {
 }  // namespace
 
 std::unique_ptr<StatusItem> MacStatusBar::statusItemWithLength(double length) {
-  return std::make_unique<MacStatusItem>([NSStatusBar.systemStatusBar statusItemWithLength:length]);
+  const CGFloat systemLength = length == squareStatusItemLength ? NSSquareStatusItemLength : length;
+  return std::make_unique<MacStatusItem>([NSStatusBar.systemStatusBar statusItemWithLength:systemLength]);
 }
 
 }  // namespace tavelle

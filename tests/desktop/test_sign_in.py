@@ -52,8 +52,7 @@ class SignIn(DesktopTest):
         self.assertEqual(wait_for_end(opening, f"{opener} is done"), 0)
 
     def stored_token(self):
-        return self.desktop.processes.run("secret-tool", "lookup", "service", APPLICATION_ID, "account", "tavelle_auth_token",
-                                          check=False)  # fmt: skip
+        return self.tavelle.stored_secret("tavelle_auth_token")
 
     def wait_for_token(self, token):
         wait_until(lambda: self.stored_token() == token, lambda: f"the token is in the keyring, where {self.stored_token()!r} is")

@@ -44,6 +44,13 @@ TEST_F(GeminiCall, makesAnErrorOfARefusedKey) {
 
 using GeminiCallDeathTest = GeminiCall;
 
+TEST_F(GeminiCallDeathTest, endsTheProcessForAKeyThatMakesNoURL) {
+  for (const auto* key : {"two words", "clé", "鍵", "\"quoted\"", "100%"}) {
+    apiKey = key;
+    EXPECT_DEATH(reword(provider), "not a URL: ") << key;
+  }
+}
+
 TEST_F(GeminiCallDeathTest, namesTheAddressButNotTheKeyWhenTheyMakeNoURL) {
   apiKey = "secret key";
   EXPECT_DEATH(reword(provider), "not a URL: \"http://host/v1/models/arbitrary-model:generateContent\" ");

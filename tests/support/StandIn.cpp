@@ -55,8 +55,12 @@ std::string RecordedRequest::header(std::string_view name) const {
 StandIn::StandIn(const std::vector<std::string>& arguments)
     : server_(command(folder_.path() / "log", arguments)), port_(portIn(server_.readLine())) {}
 
+std::string StandIn::root(std::string_view scheme) const {
+  return std::string{scheme} + "://127.0.0.1:" + std::to_string(port_);
+}
+
 std::string StandIn::baseURL(std::string_view scheme) const {
-  return std::string{scheme} + "://127.0.0.1:" + std::to_string(port_) + "/v1";
+  return root(scheme) + "/v1";
 }
 
 std::string StandIn::baseURLBehaving(std::string_view behaviour, std::string_view scheme) const {

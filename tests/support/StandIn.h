@@ -33,6 +33,9 @@ class StandIn {
 
   std::uint16_t port() const { return port_; }
 
+  // Where it is: http://127.0.0.1:PORT.
+  std::string root(std::string_view scheme = "http") const;
+
   // What a person would enter as the base URL: http://127.0.0.1:PORT/v1.
   std::string baseURL(std::string_view scheme = "http") const;
 

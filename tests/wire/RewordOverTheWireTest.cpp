@@ -1,15 +1,13 @@
 #include "app/AppDelegate.h"
-#include "platform/fake/FakePlatform.h"
-#include "platform/linux/MainActor.h"
-#include "platform/linux/SerialExecutor.h"
-#include "platform/linux/URLSession.h"
 #include "settings/SettingsManager.h"
 #include "tests/platform/linux/MainLoop.h"
 #include "tests/support/StandIn.h"
+#include "tests/wire/WiredPlatform.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
@@ -17,22 +15,8 @@
 namespace tavelle::tests {
 namespace {
 
-using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
-
-// The in-memory desktop with the real network, clock and threads.
-class WiredPlatform : public FakePlatform {
- public:
-  MainActor& mainActor() override { return actor; }
-  std::unique_ptr<SerialExecutor> makeSerialExecutor() override { return std::make_unique<LinuxSerialExecutor>(); }
-  std::unique_ptr<URLSession> makeURLSession(const URLSessionConfiguration&) override {
-    return std::make_unique<CurlURLSession>(URLSessionConfiguration{longestSilence});
-  }
-
-  GLibMainActor actor;
-  std::chrono::seconds longestSilence{30};
-};
 
 class RewordOverTheWire : public testing::Test {
  protected:
@@ -90,13 +74,13 @@ TEST_F(RewordOverTheWire, tellsThatThereIsNoSuchHost) {
 }
 
 TEST_F(RewordOverTheWire, tellsThatTheServerFellSilent) {
-  platform.longestSilence = std::chrono::seconds{1};
+  platform.patience = std::chrono::seconds{1};
   EXPECT_EQ(lastWordFromOneThat("silence"), "Error: The request timed out.");
   EXPECT_EQ(lastWordFromOneThat("silence-after-head"), "Error: The request timed out.");
 }
 
 TEST_F(RewordOverTheWire, waitsForAServerThatKeepsSending) {
-  platform.longestSilence = std::chrono::seconds{1};
+  platform.patience = std::chrono::seconds{1};
   EXPECT_EQ(lastWordFromOneThat("text=abc,trickle=0.05"), "Done!");
   EXPECT_EQ(pasted, "abc");
 }

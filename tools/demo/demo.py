@@ -16,12 +16,15 @@ sys.path.insert(0, str(ROOT / "tests" / "desktop"))
 from tavelle_desktop import apps  # noqa: E402
 from tavelle_desktop.processes import wait_for_end  # noqa: E402
 from tavelle_desktop.product import Tavelle  # noqa: E402
+from tavelle_desktop.providers import PROVIDERS  # noqa: E402
 from tavelle_desktop.selections import SelectionOwner, SelectionReader, difference, rich_contents  # noqa: E402
 from tavelle_desktop.session import Desktop, Options  # noqa: E402
+from tavelle_desktop.stand_in import StandIn  # noqa: E402
 from tavelle_desktop.tray import LAST, Tray  # noqa: E402
 from tavelle_desktop.waiting import wait_until  # noqa: E402
 
 OLLAMA = ("127.0.0.1", 11434)
+SECRET = "made-up-secret"  # for the stand-in, who takes no other
 TYPED = "hey, i dont know if u recieved my msg about teh meeting tommorow. it was moved to 3 pm.   pls lemme know asap , thx"
 
 
@@ -36,7 +39,8 @@ class Demonstration:
         self.pictures = options.out
         self.reader = SelectionReader(desktop.display_name)
         self.editor = apps.Mousepad(desktop)
-        self.tavelle = Tavelle(desktop, options.program.resolve())
+        self.provider = PROVIDERS[options.provider]
+        self.tavelle = Tavelle(desktop, self.provider.program(options.program.resolve()))
 
     def run(self):
         self.start_tavelle()
@@ -68,21 +72,23 @@ class Demonstration:
             self.tavelle.configure(base_url, provider="ollama", model=self.options.ollama)
             print(f"model: {self.options.ollama}, served by Ollama at {base_url}")
         else:
-            base_url = f"http://127.0.0.1:{self.start_stand_in()}/v1"
-            self.tavelle.configure(base_url)
-            self.tavelle.store_key("made-up key")
-            print(f"model: none; a stand-in at {base_url} rewords by simple rules")
+            self.start_stand_in()
         self.tavelle.start().wait_ready()
         self.tray = Tray(self.desktop)
         self.tray.wait_for_item()
         print("Tavelle runs: its hotkey is live, its icon is in the tray")
 
     def start_stand_in(self):
-        port_file = self.desktop.folder / "stand-in.port"
-        self.desktop.processes.start("stand-in", "/usr/bin/python3", "-B", ROOT / "tools/stand-in/stand-in.py",
-                                     "--port-file", port_file)  # fmt: skip
-        wait_until(port_file.exists, "the stand-in listens")
-        return port_file.read_text(encoding="ascii").strip()
+        provider = self.provider
+        port = provider.port(self.options.program.resolve())
+        stand_in = StandIn(self.desktop, SECRET if provider.account else None, port).start()
+        self.tavelle.configure(stand_in.url + provider.version, provider=provider.name, model=provider.model)
+        if provider.account:
+            self.tavelle.store_secret(SECRET, provider.account)
+        print(f"provider: {provider.name}")
+        print(f"model: none; a stand-in at {stand_in.url} speaks the provider's format and rewords by simple rules")
+        if provider.is_hosted:
+            print("this Tavelle was built to find the hosted service there; the one that is shipped cannot be pointed anywhere")
 
     def write_text(self):
         """The person's own text stands in a copy of their file; the usual one is typed in front of everybody's eyes."""
@@ -173,7 +179,9 @@ def readable_text(path):
 def main():
     parser = argparse.ArgumentParser(prog="./run --demo", description=__doc__.splitlines()[0])
     parser.add_argument("file", nargs="?", type=readable_text, help="a text of your own; the file itself is not touched")
-    parser.add_argument("--ollama", metavar="MODEL", help="reword with this model of the Ollama that runs on this machine")
+    model = parser.add_mutually_exclusive_group()
+    model.add_argument("--provider", choices=PROVIDERS, default="custom", help="reword through this provider's format (custom)")
+    model.add_argument("--ollama", metavar="MODEL", help="reword with this model of the Ollama that runs on this machine")
     parser.add_argument("--program", type=Path, default=ROOT / "build/release/bin/tavelle", help=argparse.SUPPRESS)
     parser.add_argument("--out", type=Path, default=ROOT / "out" / "demo", help="the folder for screenshots and logs")
     options = parser.parse_args()

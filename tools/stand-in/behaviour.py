@@ -1,7 +1,8 @@
 """How an answer misbehaves, on request.
 
 A behaviour is written "name=value,name=value,..."; a value is percent-encoded and may be left out. It travels in the path,
-/v1/_behave/<behaviour>/chat/completions, or as the model, "misbehave:<behaviour>". README.md lists the names.
+/v1/_behave/<behaviour>/chat/completions, or as the request's mark, "misbehave:<behaviour>": its model; the token of a hosted
+reword, the address of a sign-in. README.md lists the names.
 """
 
 import gzip
@@ -9,7 +10,7 @@ import time
 from urllib.parse import quote, unquote
 
 PATH_MARK = "/_behave/"
-MODEL_MARK = "misbehave:"
+MARK = "misbehave:"
 
 ODD_TEXT = "He said \"it's a \\ 'test'\", then\u0000 a NUL,\ttab, 👩‍👩‍👧‍👦 family, ﷽, \u202eright to left\u202c and </script>."
 
@@ -49,16 +50,20 @@ class Behaviour:
 
 
 def from_path(path):
-    """The behaviour in `path`, and the path without it."""
+    """The behaviour in `path`, None where there is none, and the path without it."""
     before, mark, after = path.partition(PATH_MARK)
     if not mark:
-        return Behaviour(), path
+        return None, path
     text, slash, rest = after.partition("/")
     return Behaviour(text), before + slash + rest
 
 
-def from_model(model):
-    return Behaviour(model[len(MODEL_MARK):]) if model.startswith(MODEL_MARK) else None
+def into_path(written, path):
+    return PATH_MARK + written + path
+
+
+def from_mark(mark):
+    return Behaviour(mark[len(MARK):]) if isinstance(mark, str) and mark.startswith(MARK) else None
 
 
 class Answer:

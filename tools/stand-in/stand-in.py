@@ -20,10 +20,19 @@ from itertools import count
 
 import behaviour as behaviours
 from behaviour import Answer, Behaviour
-from formats import MalformedRequest, encode, format_for
+from formats import encode, format_for
+from formats.request import Refused, Request
 from rewording import reword
 
 SECRET_HEADERS = {"authorization", "proxy-authorization", "x-api-key", "api-key", "x-goog-api-key", "cookie"}
+
+
+def as_utf8(value):
+    """A header's value, which the base class reads as Latin-1, as the UTF-8 that it is; as it came where it is none."""
+    try:
+        return value.encode("latin-1").decode("utf-8")
+    except UnicodeDecodeError:
+        return value
 
 
 class RequestLog:
@@ -86,41 +95,41 @@ class Handler(BaseHTTPRequestHandler):
     do_POST = do_PUT = do_DELETE = do_HEAD = do_CONNECT = do_GET
 
     def respond(self, body):
-        self.server.log.record(self.number, self.command, self.path, self.headers.items(), body)
-        answer = self.make_answer(body)
+        headers = [(name, as_utf8(value)) for name, value in self.headers.items()]
+        self.server.log.record(self.number, self.command, self.path, headers, body)
+        answer = self.make_answer(headers, body)
         self.close_connection = self.close_connection or answer.closes
         answer.send(self)
 
-    def make_answer(self, body):
-        behaviour = Behaviour()
+    def make_answer(self, headers, body):
         try:
             behaviour, path = behaviours.from_path(self.path)
-            wire = format_for(path.partition("?")[0])
-            request = self.read_request(wire, body) if wire else {}
-            behaviour = (wire and behaviours.from_model(wire.model(request))) or behaviour
+            request = Request(self.command, path, headers, body)
+            wire = format_for(request.path)
+            behaviour = behaviour or (wire and behaviours.from_mark(wire.mark(request))) or Behaviour()
             if "redirect" in behaviour:
-                return self.redirect(behaviour)
+                return self.redirect(behaviour, path)
             if "status" in behaviour or "body" in behaviour or "invalid-utf8" in behaviour:
                 return Answer(behaviour, int(behaviour.number("status", 200)), self.plain_body(behaviour), "text/plain")
             if not wire:
                 return self.simple_page(behaviour, path)
             if "shape" in behaviour:
                 return Answer(behaviour, 200, wire.malformed[behaviour.get("shape")])
-            return Answer(behaviour, 200, encode(wire.answer(self.answer_text(wire, behaviour, request))))
-        except MalformedRequest as error:
-            return Answer(behaviour, 400, encode({"error": {"message": str(error)}}))
+            return self.answer_in_format(wire, behaviour, request)
         except (behaviours.UnknownBehaviour, KeyError, ValueError) as error:
             return Answer(Behaviour(), 501, encode({"error": {"message": f"misused: {error}"}}))
 
-    @staticmethod
-    def read_request(wire, body):
+    def answer_in_format(self, wire, behaviour, request):
         try:
-            request = json.loads(body)
-        except ValueError:
-            raise MalformedRequest("the request is not JSON") from None
-        if not isinstance(request, dict):
-            raise MalformedRequest("the request is not an object")
-        return request
+            wire.check(request, self.server.key)
+            answer = Answer(behaviour, 200, encode(wire.answer(request, self.answer_text(wire, behaviour, request))))
+        except Refused as refusal:
+            if isinstance(refusal.body, str):
+                answer = Answer(behaviour, refusal.status, refusal.body.encode(), "text/plain")
+            else:
+                answer = Answer(behaviour, refusal.status, encode(refusal.body))
+        answer.headers += wire.headers
+        return answer
 
     @staticmethod
     def answer_text(wire, behaviour, request):
@@ -139,14 +148,13 @@ class Handler(BaseHTTPRequestHandler):
             return Answer(behaviour, 200, b"A stand-in for a model's server. It rewords by simple rules.\n", "text/plain")
         return Answer(behaviour, 404, encode({"error": {"message": "the stand-in serves nothing here"}}))
 
-    def redirect(self, behaviour):
+    @staticmethod
+    def redirect(behaviour, path):
         """To the address in `to`, or to this path again: `times` more, then without the redirection."""
         left = int(behaviour.number("times", 1)) - 1
         rest = behaviour.written(times=left) if left else behaviour.written(redirect=None, times=None, to=None)
-        before, mark, after = self.path.partition(behaviours.PATH_MARK)
-        following = before + (mark + rest if rest else "") + "/" + after.partition("/")[2]
         answer = Answer(behaviour, int(behaviour.number("redirect", 302)), b"moved")
-        answer.headers.append(("Location", behaviour.get("to", following)))
+        answer.headers.append(("Location", behaviour.get("to", behaviours.into_path(rest, path))))
         return answer
 
     # What an Answer is sent through.
@@ -173,9 +181,10 @@ class Server(ThreadingHTTPServer):
     daemon_threads = True
     request_queue_size = 128
 
-    def __init__(self, port, tls, log):
+    def __init__(self, port, tls, log, key):
         super().__init__(("127.0.0.1", port), Handler)
         self.log = log
+        self.key = key
         self.tls = None
         if tls:
             self.tls = ssl.create_default_context(ssl.Purpose.CLIENT_AUTH)
@@ -221,12 +230,16 @@ def main():
     parser.add_argument("--port-file", metavar="FILE", help="where to save the port once it listens")
     parser.add_argument("--log", metavar="FILE", help="append every request as a line of JSON")
     parser.add_argument("--log-secrets", action="store_true", help="with the keys in it; for tests with made-up keys")
+    parser.add_argument("--key", help="the only key, or token, that it takes: a made-up one")
     parser.add_argument("--tls", nargs=2, metavar=("CERTIFICATE", "KEY"), help="speak HTTPS")
     parser.add_argument("--deaf", action="store_true", help="take connections and never read from them")
     parser.add_argument("--until-input-closes", action="store_true", help="end when standard input does")
     options = parser.parse_args()
 
-    server = Server(options.port, options.tls, RequestLog(options.log, options.log_secrets))
+    try:
+        server = Server(options.port, options.tls, RequestLog(options.log, options.log_secrets), options.key)
+    except OSError as error:
+        sys.exit(f"stand-in: cannot listen on port {options.port}: {error.strerror}")
     port = server.server_address[1]
     if options.port_file:
         save_port(options.port_file, port)

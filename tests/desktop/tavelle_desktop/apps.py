@@ -204,6 +204,9 @@ class Browser(Application):
         self._until_selected(lambda: self.press(self.select_all_keys), lambda: self.page.is_all_selected)
 
     def text(self):
+        before = self.page.asked
+        self.press([("F2",)])
+        wait_until(lambda: self.page.asked > before, f"{self.name} tells its text", within=10)
         return self.page.text
 
     def wait_for_saved(self, text, within=10.0):

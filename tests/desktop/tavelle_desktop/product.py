@@ -58,9 +58,17 @@ class Tavelle:
         self.settings_file.write_text(content, encoding="utf-8")
 
     def store_key(self, key, provider="custom"):
-        """Puts an API key into the keyring; it is never an argument of a process."""
+        """Puts an API key into the keyring."""
+        self.store_secret(key, f"apiKey_{provider}")
+
+    def store_secret(self, secret, account):
+        """Puts a secret into the keyring; it is never an argument of a process."""
         self.desktop.processes.run("secret-tool", "store", "--label=Tavelle", "service", APPLICATION_ID,
-                                   "account", f"apiKey_{provider}", text=key)  # fmt: skip
+                                   "account", account, text=secret)  # fmt: skip
+
+    def stored_secret(self, account):
+        """What the keyring holds; empty where it holds nothing."""
+        return self.desktop.processes.run("secret-tool", "lookup", "service", APPLICATION_ID, "account", account, check=False)
 
     def start(self, under=()):
         """Starts it, under another command where one is given."""

@@ -19,7 +19,8 @@ class URLSessionFixture : public testing::Test {
   static constexpr std::chrono::seconds long_{60};
 
   static URLRequest chat(const std::string& baseURL, const std::string& text = "hi") {
-    return post(baseURL + "/chat/completions", R"({"messages":[{"role":"user","content":")" + text + R"("}]})");
+    return post(baseURL + "/chat/completions",
+                R"({"model":"arbitrary","messages":[{"role":"user","content":")" + text + R"("}]})");
   }
 
   static URLRequest post(const std::string& url, std::string body) {

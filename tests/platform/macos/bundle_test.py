@@ -141,6 +141,10 @@ class IconTest(unittest.TestCase):
         self.assertEqual(png_size((RESOURCES / "MenuBarIcon.png").read_bytes()), (18, 18))
         self.assertEqual(png_size((RESOURCES / "MenuBarIcon@2x.png").read_bytes()), (36, 36))
 
+    def test_the_about_icon_is_there_for_both_kinds_of_screens(self):
+        self.assertEqual(png_size((RESOURCES / "AboutIcon.png").read_bytes()), (96, 96))
+        self.assertEqual(png_size((RESOURCES / "AboutIcon@2x.png").read_bytes()), (192, 192))
+
     def test_the_application_icon_has_every_size(self):
         data = (RESOURCES / "AppIcon.icns").read_bytes()
         self.assertEqual(struct.unpack(">4sI", data[:8]), (b"icns", len(data)))

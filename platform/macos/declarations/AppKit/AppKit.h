@@ -7,7 +7,8 @@
 
 NS_ASSUME_NONNULL_BEGIN
 
-@class NSApplication, NSMenu, NSStatusBarButton;
+@class NSApplication, NSEvent, NSLayoutConstraint, NSLayoutDimension, NSLayoutXAxisAnchor, NSLayoutYAxisAnchor, NSMenu,
+    NSScrollView, NSStatusBarButton, NSTableColumn, NSTableView, NSToolbar, NSToolbarItem, NSWindow;
 
 // The application
 
@@ -26,27 +27,333 @@ NS_ASSUME_NONNULL_BEGIN
 @property(class, readonly, strong) __kindof NSApplication* sharedApplication;
 @property(nullable, weak) id<NSApplicationDelegate> delegate;
 - (void)run;
+- (void)activateIgnoringOtherApps:(BOOL)flag;
 - (void)terminate:(nullable id)sender;
+- (BOOL)sendAction:(SEL)action to:(nullable id)target from:(nullable id)sender;
 @end
 
-// Images, the status bar and menus
+// Key events
+
+typedef enum NSEventMask : unsigned long long { NSEventMaskKeyDown = 1ULL << 10 } NSEventMask;
+typedef enum NSEventModifierFlags : NSUInteger {
+  NSEventModifierFlagShift = 1 << 17,
+  NSEventModifierFlagControl = 1 << 18,
+  NSEventModifierFlagOption = 1 << 19,
+  NSEventModifierFlagCommand = 1 << 20
+} NSEventModifierFlags;
+
+@interface NSEvent : NSObject
+@property(readonly) unsigned short keyCode;
+@property(readonly) NSEventModifierFlags modifierFlags;
+@property(nullable, readonly, copy) NSString* charactersIgnoringModifiers;
++ (nullable id)addLocalMonitorForEventsMatchingMask:(NSEventMask)mask
+                                            handler:(NSEvent* _Nullable (^)(NSEvent* event))block;
++ (void)removeMonitor:(id)monitor;
+@end
+
+// Images
 
 typedef NSString* NSImageName;
 
 @interface NSImage : NSObject
 + (nullable NSImage*)imageNamed:(NSImageName)name;
++ (nullable instancetype)imageWithSystemSymbolName:(NSString*)name
+                          accessibilityDescription:(nullable NSString*)description API_AVAILABLE(macos(11.0));
 - (void)setTemplate:(BOOL)isTemplate;  // written as a call: `template` is a keyword
 @end
 
-@interface NSView : NSResponder
+// Views
+
+typedef float NSLayoutPriority;
+typedef enum NSUserInterfaceLayoutOrientation : NSInteger {
+  NSUserInterfaceLayoutOrientationHorizontal = 0,
+  NSUserInterfaceLayoutOrientationVertical = 1
+} NSUserInterfaceLayoutOrientation;
+typedef enum NSLayoutConstraintOrientation : NSInteger {
+  NSLayoutConstraintOrientationHorizontal = 0,
+  NSLayoutConstraintOrientationVertical = 1
+} NSLayoutConstraintOrientation;
+typedef enum NSLayoutAttribute : NSInteger {
+  NSLayoutAttributeLeading = 5,
+  NSLayoutAttributeCenterX = 9,
+  NSLayoutAttributeCenterY = 10
+} NSLayoutAttribute;
+
+@interface NSLayoutAnchor<AnchorType> : NSObject
+- (NSLayoutConstraint*)constraintEqualToAnchor:(NSLayoutAnchor<AnchorType>*)anchor;
+- (NSLayoutConstraint*)constraintEqualToAnchor:(NSLayoutAnchor<AnchorType>*)anchor constant:(CGFloat)constant;
 @end
 
+@interface NSLayoutXAxisAnchor : NSLayoutAnchor <NSLayoutXAxisAnchor*>
+@end
+
+@interface NSLayoutYAxisAnchor : NSLayoutAnchor <NSLayoutYAxisAnchor*>
+@end
+
+@interface NSLayoutDimension : NSLayoutAnchor <NSLayoutDimension*>
+- (NSLayoutConstraint*)constraintEqualToConstant:(CGFloat)constant;
+- (NSLayoutConstraint*)constraintGreaterThanOrEqualToConstant:(CGFloat)constant;
+- (NSLayoutConstraint*)constraintLessThanOrEqualToConstant:(CGFloat)constant;
+@end
+
+@interface NSLayoutConstraint : NSObject
+@property CGFloat constant;
+@property(getter=isActive) BOOL active;
++ (void)activateConstraints:(NSArray<NSLayoutConstraint*>*)constraints;
+@end
+
+@protocol NSAccessibility <NSObject>
+@property(nullable, copy) NSString* accessibilityLabel;
+@end
+
+@interface NSView : NSResponder <NSAccessibility>
+- (instancetype)initWithFrame:(NSRect)frame;
+@property(nullable, readonly, assign) NSView* superview;
+@property(getter=isHidden) BOOL hidden;
+@property(readonly, getter=isFlipped) BOOL flipped;
+@property(nullable, copy) NSString* toolTip;
+@property BOOL translatesAutoresizingMaskIntoConstraints;
+@property(readonly, strong) NSLayoutXAxisAnchor* leadingAnchor;
+@property(readonly, strong) NSLayoutXAxisAnchor* trailingAnchor;
+@property(readonly, strong) NSLayoutYAxisAnchor* topAnchor;
+@property(readonly, strong) NSLayoutYAxisAnchor* bottomAnchor;
+@property(readonly, strong) NSLayoutDimension* widthAnchor;
+@property(readonly, strong) NSLayoutDimension* heightAnchor;
+- (void)addSubview:(NSView*)view;
+- (void)removeFromSuperview;
+- (void)setContentHuggingPriority:(NSLayoutPriority)priority forOrientation:(NSLayoutConstraintOrientation)orientation;
+@end
+
+typedef enum NSStackViewDistribution : NSInteger {
+  NSStackViewDistributionGravityAreas = -1,
+  NSStackViewDistributionFill = 0
+} NSStackViewDistribution;
+
+@interface NSStackView : NSView
+@property NSUserInterfaceLayoutOrientation orientation;
+@property NSLayoutAttribute alignment;
+@property NSStackViewDistribution distribution;
+@property CGFloat spacing;
+@property(readonly, copy) NSArray<__kindof NSView*>* arrangedSubviews;
+- (void)insertArrangedSubview:(NSView*)view atIndex:(NSInteger)index;
+@end
+
+typedef enum NSTitlePosition : NSUInteger { NSNoTitle = 0 } NSTitlePosition;
+
+@interface NSBox : NSView
+@property NSTitlePosition titlePosition;
+@end
+
+@interface NSClipView : NSView
+@end
+
+@interface NSScrollView : NSView
+@property(strong) NSClipView* contentView;
+@property(nullable, strong) __kindof NSView* documentView;
+@property BOOL hasVerticalScroller;
+@property BOOL drawsBackground;
+@end
+
+// Controls
+
+typedef CGFloat NSFontWeight;
+APPKIT_EXTERN const NSFontWeight NSFontWeightRegular;
+
+@interface NSFont : NSObject
+@property(class, readonly) CGFloat systemFontSize;
++ (NSFont*)systemFontOfSize:(CGFloat)size;
++ (NSFont*)boldSystemFontOfSize:(CGFloat)size;
++ (NSFont*)monospacedDigitSystemFontOfSize:(CGFloat)size weight:(NSFontWeight)weight;
++ (NSFont*)monospacedSystemFontOfSize:(CGFloat)size weight:(NSFontWeight)weight API_AVAILABLE(macos(10.15));
+@end
+
+@interface NSColor : NSObject
+@property(class, strong, readonly) NSColor* labelColor;
+@property(class, strong, readonly) NSColor* secondaryLabelColor;
+@property(class, strong, readonly) NSColor* systemGreenColor;
+@property(class, strong, readonly) NSColor* systemRedColor;
+@property(class, strong, readonly) NSColor* systemOrangeColor;
+@end
+
+typedef enum NSControlSize : NSUInteger { NSControlSizeRegular = 0, NSControlSizeSmall = 1 } NSControlSize;
+typedef enum NSLineBreakMode : NSUInteger { NSLineBreakByWordWrapping = 0 } NSLineBreakMode;
+typedef enum NSTextAlignment : NSInteger {
+#if TARGET_CPU_ARM64
+  NSTextAlignmentCenter = 1
+#else
+  NSTextAlignmentCenter = 2
+#endif
+} NSTextAlignment;
+
 @interface NSControl : NSView
+@property(nullable, weak) id target;
+@property(nullable) SEL action;
+@property(getter=isEnabled) BOOL enabled;
+@property(getter=isContinuous) BOOL continuous;
+@property NSControlSize controlSize;
+@property(nullable, strong) NSFont* font;
+@property NSTextAlignment alignment;
+@property NSLineBreakMode lineBreakMode;
+@property(copy) NSString* stringValue;
+@property double doubleValue;
+@end
+
+@protocol NSControlTextEditingDelegate <NSObject>
+@optional
+- (void)controlTextDidChange:(NSNotification*)notification;
+@end
+
+@protocol NSTextFieldDelegate <NSControlTextEditingDelegate>
+@end
+
+@interface NSTextField : NSControl
++ (instancetype)labelWithString:(NSString*)string;
+@property(nullable, copy) NSColor* textColor;
+@property CGFloat preferredMaxLayoutWidth;
+@property(nullable, weak) id<NSTextFieldDelegate> delegate;
+@end
+
+@interface NSSecureTextField : NSTextField
+@end
+
+@protocol NSTextDelegate <NSObject>
+@optional
+- (void)textDidChange:(NSNotification*)notification;
+@end
+
+@protocol NSTextViewDelegate <NSTextDelegate>
+@end
+
+@interface NSText : NSView
+@property(copy) NSString* string;
+@property(nullable, strong) NSFont* font;
+@property(getter=isRichText) BOOL richText;
+@end
+
+@interface NSTextView : NSText
+@property(class, readonly, strong) NSScrollView* scrollableTextView;
+@property(nullable, weak) id<NSTextViewDelegate> delegate;
+@property BOOL allowsUndo;
+@property(getter=isAutomaticQuoteSubstitutionEnabled) BOOL automaticQuoteSubstitutionEnabled;
+@property(getter=isAutomaticDashSubstitutionEnabled) BOOL automaticDashSubstitutionEnabled;
+@property(getter=isAutomaticTextReplacementEnabled) BOOL automaticTextReplacementEnabled;
+@end
+
+typedef enum NSImageScaling : NSUInteger { NSImageScaleProportionallyUpOrDown = 3 } NSImageScaling;
+
+@interface NSImageView : NSControl
+@property(nullable, strong) NSImage* image;
+@property NSImageScaling imageScaling;
+@end
+
+@interface NSSlider : NSControl
+@property double minValue;
+@property double maxValue;
+@property NSInteger numberOfTickMarks;
+@property BOOL allowsTickMarkValuesOnly;
 @end
 
 @interface NSButton : NSControl
++ (instancetype)buttonWithTitle:(NSString*)title target:(nullable id)target action:(nullable SEL)action;
+@property(copy) NSString* title;
 @property(nullable, strong) NSImage* image;
 @end
+
+@interface NSPopUpButton : NSButton
+- (instancetype)initWithFrame:(NSRect)frame pullsDown:(BOOL)pullsDown;
+@property(nullable, strong) NSMenu* menu;
+@property(readonly) NSInteger indexOfSelectedItem;
+- (void)selectItemAtIndex:(NSInteger)index;
+@end
+
+@protocol NSTableViewDataSource <NSObject>
+@optional
+- (NSInteger)numberOfRowsInTableView:(NSTableView*)tableView;
+@end
+
+@protocol NSTableViewDelegate <NSObject>
+@optional
+- (nullable NSView*)tableView:(NSTableView*)tableView
+           viewForTableColumn:(nullable NSTableColumn*)column
+                          row:(NSInteger)row;
+- (void)tableViewSelectionDidChange:(NSNotification*)notification;
+@end
+
+typedef NSString* NSUserInterfaceItemIdentifier;
+
+@interface NSTableColumn : NSObject
+- (instancetype)initWithIdentifier:(NSUserInterfaceItemIdentifier)identifier;
+@end
+
+@interface NSTableHeaderView : NSView
+@end
+
+@interface NSTableView : NSControl
+@property(nullable, weak) id<NSTableViewDataSource> dataSource;
+@property(nullable, weak) id<NSTableViewDelegate> delegate;
+@property(nullable, strong) NSTableHeaderView* headerView;
+@property BOOL allowsEmptySelection;
+@property(readonly) NSInteger selectedRow;
+- (void)addTableColumn:(NSTableColumn*)column;
+- (void)reloadData;
+- (void)selectRowIndexes:(NSIndexSet*)rows byExtendingSelection:(BOOL)extends;
+@end
+
+// Windows
+
+typedef enum NSWindowStyleMask : NSUInteger {
+  NSWindowStyleMaskTitled = 1 << 0,
+  NSWindowStyleMaskClosable = 1 << 1
+} NSWindowStyleMask;
+typedef enum NSBackingStoreType : NSUInteger { NSBackingStoreBuffered = 2 } NSBackingStoreType;
+typedef enum NSWindowToolbarStyle : NSInteger { NSWindowToolbarStylePreference = 2 } NSWindowToolbarStyle;
+typedef enum NSToolbarDisplayMode : NSUInteger { NSToolbarDisplayModeIconAndLabel = 1 } NSToolbarDisplayMode;
+typedef NSString* NSToolbarIdentifier;
+typedef NSString* NSToolbarItemIdentifier;
+
+@interface NSWindow : NSResponder
+- (instancetype)initWithContentRect:(NSRect)contentRect
+                          styleMask:(NSWindowStyleMask)styleMask
+                            backing:(NSBackingStoreType)backing
+                              defer:(BOOL)isDeferred;
+@property(copy) NSString* title;
+@property(nullable, strong) __kindof NSView* contentView;
+@property(getter=isReleasedWhenClosed) BOOL releasedWhenClosed;
+@property(nullable, strong) NSToolbar* toolbar;
+@property NSWindowToolbarStyle toolbarStyle API_AVAILABLE(macos(11.0));
+- (void)center;
+- (void)close;
+- (void)makeKeyAndOrderFront:(nullable id)sender;
+- (BOOL)performKeyEquivalent:(NSEvent*)event;
+@end
+
+@protocol NSToolbarDelegate <NSObject>
+@optional
+- (nullable NSToolbarItem*)toolbar:(NSToolbar*)toolbar
+             itemForItemIdentifier:(NSToolbarItemIdentifier)identifier
+         willBeInsertedIntoToolbar:(BOOL)isInserted;
+- (NSArray<NSToolbarItemIdentifier>*)toolbarDefaultItemIdentifiers:(NSToolbar*)toolbar;
+- (NSArray<NSToolbarItemIdentifier>*)toolbarAllowedItemIdentifiers:(NSToolbar*)toolbar;
+- (NSArray<NSToolbarItemIdentifier>*)toolbarSelectableItemIdentifiers:(NSToolbar*)toolbar;
+@end
+
+@interface NSToolbar : NSObject
+- (instancetype)initWithIdentifier:(NSToolbarIdentifier)identifier;
+@property(nullable, weak) id<NSToolbarDelegate> delegate;
+@property NSToolbarDisplayMode displayMode;
+@property(nullable, copy) NSToolbarItemIdentifier selectedItemIdentifier;
+@end
+
+@interface NSToolbarItem : NSObject
+- (instancetype)initWithItemIdentifier:(NSToolbarItemIdentifier)identifier;
+@property(readonly, copy) NSToolbarItemIdentifier itemIdentifier;
+@property(copy) NSString* label;
+@property(nullable, strong) NSImage* image;
+@property(nullable, weak) id target;
+@property(nullable) SEL action;
+@end
+
+// The status bar and menus
 
 @interface NSStatusBarButton : NSButton
 @end

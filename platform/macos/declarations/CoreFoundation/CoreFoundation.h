@@ -25,7 +25,20 @@ enum { paramErr = -50 };
 
 typedef signed long CFIndex;
 typedef unsigned long CFTypeID;
+
 typedef double CGFloat;
+typedef struct CGPoint {
+  CGFloat x;
+  CGFloat y;
+} CGPoint;
+typedef struct CGSize {
+  CGFloat width;
+  CGFloat height;
+} CGSize;
+typedef struct CGRect {
+  CGPoint origin;
+  CGSize size;
+} CGRect;
 
 typedef const CF_BRIDGED_TYPE(id) void* CFTypeRef;
 typedef const struct CF_BRIDGED_TYPE(id) __CFAllocator* CFAllocatorRef;

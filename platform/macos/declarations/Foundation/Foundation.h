@@ -18,6 +18,16 @@ NS_ASSUME_NONNULL_BEGIN
 typedef double NSTimeInterval;
 typedef NSUInteger NSStringEncoding;
 typedef NSString* NSErrorDomain;
+typedef struct _NSRange {
+  NSUInteger location;
+  NSUInteger length;
+} NSRange;
+typedef CGRect NSRect;
+FOUNDATION_EXPORT const NSRect NSZeroRect;
+static inline NSRect NSMakeRect(CGFloat x, CGFloat y, CGFloat width, CGFloat height) {
+  return {{x, y}, {width, height}};
+}
+FOUNDATION_EXPORT SEL NSSelectorFromString(NSString* name);
 
 @protocol NSCopying
 @end
@@ -40,9 +50,14 @@ typedef struct {
 enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
 
 @interface NSString : NSObject <NSCopying>
+@property(readonly) NSUInteger length;
+@property(readonly, copy) NSString* lowercaseString;
 - (nullable instancetype)initWithBytes:(const void*)bytes length:(NSUInteger)length encoding:(NSStringEncoding)encoding;
 - (nullable NSData*)dataUsingEncoding:(NSStringEncoding)encoding allowLossyConversion:(BOOL)isLossy;
 - (BOOL)isEqualToString:(NSString*)other;
+- (NSRange)rangeOfComposedCharacterSequenceAtIndex:(NSUInteger)index;
+- (NSString*)substringToIndex:(NSUInteger)end;
+- (NSUInteger)lengthOfBytesUsingEncoding:(NSStringEncoding)encoding;
 @end
 
 @interface NSData : NSObject
@@ -61,6 +76,26 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
 @end
 
 @interface NSArray<__covariant ObjectType> : NSObject <NSFastEnumeration>
+@property(readonly) NSUInteger count;
+- (ObjectType)objectAtIndexedSubscript:(NSUInteger)index;
++ (instancetype)array;
++ (instancetype)arrayWithObjects:(const ObjectType _Nonnull[_Nonnull])objects count:(NSUInteger)count;
+@end
+
+@interface NSMutableArray<ObjectType> : NSArray <ObjectType>
+- (void)addObject:(ObjectType)object;
+@end
+
+@interface NSDictionary<__covariant KeyType, __covariant ObjectType> : NSObject
+- (nullable ObjectType)objectForKeyedSubscript:(KeyType)key;
++ (instancetype)dictionaryWithObjects:(const ObjectType _Nonnull[_Nullable])objects
+                              forKeys:(const KeyType<NSCopying> _Nonnull[_Nullable])keys
+                                count:(NSUInteger)count;
+@end
+
+@interface NSIndexSet : NSObject
++ (instancetype)indexSet;
++ (instancetype)indexSetWithIndex:(NSUInteger)index;
 @end
 
 @interface NSError : NSObject
@@ -70,6 +105,7 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
 @end
 
 @interface NSNotification : NSObject
+@property(nullable, readonly, strong) id object;
 @end
 
 // The bundle and the defaults

@@ -14,7 +14,8 @@ KINDS = {
     "FourCharCode": "u32", "OptionBits": "u32", "isize": "i64", "NSInteger": "i64", "CFIndex": "i64",
     "c_long": "i64", "c_longlong": "i64", "i64": "i64", "usize": "u64", "NSUInteger": "u64", "u64": "u64",
     "CFTypeID": "u64", "ItemCount": "u64", "ByteCount": "u64", "f64": "f64", "CGFloat": "f64", "NSTimeInterval": "f64",
-    "c_double": "f64", "EventHandlerProcPtr": "function",
+    "c_double": "f64", "c_float": "f32", "c_ushort": "u16", "c_ulonglong": "u64", "NSRect": "CGRect",
+    "EventHandlerProcPtr": "function",
 }
 
 
@@ -52,6 +53,7 @@ class Bindings:
         if name not in self.constants:
             return None
         text = re.sub(r"^Self\((.*)\)$", r"\1", self.constants[name])
+        text = re.sub(r"(\w+)::(\w+)\.0", r"\1\2", text)  # of another enumeration
         text = re.sub(r"\b[A-Za-z_]\w*\b", lambda word: self.substitute(word[0]), text)
         if not re.fullmatch(r"[\d.x<>|+() a-fA-F-]+", text):
             raise ValueError(f"{name} = {self.constants[name]}")
@@ -66,7 +68,7 @@ class Bindings:
         optional = re.match(r"Option<(.*)>$", text)
         if optional:
             return self.type(optional[1])._replace(null="?")
-        block = re.match(r"(&|\*).*Block<.*fn\((.*?)\)(?: -> (\w+))?", text)
+        block = re.match(r"(&|\*).*Block<.*fn\((.*?)\)(?: -> ([^>]+))?", text)
         if block:
             types = [self.type(argument) for argument in block[2].split(",")]
             return Type("block", shape(types, self.type(block[3] or "()")), "!" if block[1] == "&" else "")

@@ -29,7 +29,8 @@ class DeclarationsTest(unittest.TestCase):
                          + sum(1 if "readonly" in line else 2 for line in text.splitlines()
                                if line.startswith("@property")))
         self.assertEqual(len(ours.functions) + len(ours.variables), text.count("\nCF_EXPORT ")
-                         + text.count("\nFOUNDATION_EXPORT ") + text.count("\nAPPKIT_EXTERN "))
+                         + text.count("\nFOUNDATION_EXPORT ") + text.count("\nAPPKIT_EXTERN ")
+                         + text.count("\nstatic inline "))
 
 
 class PlantedFaultTest(unittest.TestCase):

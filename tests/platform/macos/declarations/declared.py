@@ -57,7 +57,7 @@ def syntax_tree(declarations, processor):
 KINDS = {
     "void": "void", "bool": "bool", "signed char": "bool", "unsigned char": "u8", "unsigned short": "u16",
     "int": "i32", "unsigned int": "u32", "long": "i64", "long long": "i64", "unsigned long": "u64",
-    "unsigned long long": "u64", "double": "f64",
+    "unsigned long long": "u64", "double": "f64", "float": "f32", "_NSRange": "NSRange",
 }
 
 
@@ -121,9 +121,9 @@ class Reader:
         text = plain(text)
         if re.match(r"(id|instancetype)$", text):
             return Type("object", "", null)
-        text = plain(self.typedefs.get(text, text))
-        if text in ("SEL", "objc_selector *", "SEL *"):
+        if text in ("SEL", "SEL *"):
             return Type("selector", "", null)
+        text = plain(self.typedefs.get(text, text))
         object_type = re.match(r"id<(\w+)", text) or re.match(r"((?:NS|UN)\w*)(?:<.*>)? \*$", text)
         if object_type and "State" not in object_type[1]:
             return Type("object", object_type[1], null)

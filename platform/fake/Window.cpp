@@ -1,0 +1,30 @@
+#include "platform/fake/Window.h"
+
+#include <utility>
+
+namespace tavelle {
+
+FakeWindow::FakeWindow(EventLog& log, Rect rect, WindowStyleMask style, BackingStoreType store, bool defer)
+    : contentRect(rect), styleMask(style), backing(store), isDeferred(defer), log_(log) {
+  log_.add("made a window");
+}
+
+FakeWindow::~FakeWindow() {
+  if (content_) content_->attach(nullptr);
+}
+
+void FakeWindow::setContentView(std::shared_ptr<view::Content> content) {
+  content_ = std::move(content);
+  content_->attach(&screen);
+}
+
+void FakeWindow::center() {
+  log_.add("centred the window");
+}
+
+void FakeWindow::makeKeyAndOrderFront() {
+  isVisible = true;
+  log_.add("ordered the window front");
+}
+
+}  // namespace tavelle

@@ -1,0 +1,23 @@
+#include "view/KeyCaptureView.h"
+
+namespace tavelle::view {
+
+void KeyCaptureView::viewDidMoveToWindow(EventMonitors& monitors) {
+  monitor = monitors.addLocalMonitorForEventsMatchingMask(
+      eventMaskKeyDown, [weak = weak_from_this()](const KeyDown& event) -> std::optional<KeyDown> {
+        const auto self = weak.lock();
+        return self ? self->capture(event) : event;
+      });
+}
+
+void KeyCaptureView::removeFromSuperview(EventMonitors& monitors) const {
+  if (monitor) monitors.removeMonitor(*monitor);
+}
+
+std::optional<KeyDown> KeyCaptureView::capture(const KeyDown& event) const {
+  if (!isEnabled) return event;
+  if (handler) handler(event);
+  return std::nullopt;
+}
+
+}  // namespace tavelle::view
