@@ -4,7 +4,7 @@
 #include "observation/Subscription.h"
 #include "platform/linux/x11/ClipboardContents.h"
 #include "platform/linux/x11/Connection.h"
-#include "platform/linux/x11/Deadline.h"
+#include "platform/linux/Deadline.h"
 
 #include <chrono>
 #include <map>

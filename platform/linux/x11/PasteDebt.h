@@ -3,7 +3,7 @@
 #include "concurrency/MainActor.h"
 #include "platform/linux/x11/ClipboardContents.h"
 #include "platform/linux/x11/Connection.h"
-#include "platform/linux/x11/Deadline.h"
+#include "platform/linux/Deadline.h"
 
 #include <chrono>
 #include <memory>

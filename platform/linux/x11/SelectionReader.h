@@ -6,7 +6,7 @@
 #include "platform/Data.h"
 #include "platform/linux/x11/Arrival.h"
 #include "platform/linux/x11/Connection.h"
-#include "platform/linux/x11/Deadline.h"
+#include "platform/linux/Deadline.h"
 
 #include <chrono>
 #include <cstdint>
