@@ -1,7 +1,6 @@
 #include "platform/linux/gtk/Widgets.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 namespace tavelle::gtk {
@@ -14,7 +13,6 @@ class PickerWidget : public Widget {
  public:
   explicit PickerWidget(Report report) : Widget(adw_combo_row_new(), std::move(report)), row_(ADW_COMBO_ROW(root())) {
     adw_preferences_row_set_use_markup(ADW_PREFERENCES_ROW(root()), false);
-    adw_combo_row_set_model(row_, G_LIST_MODEL(titles_.get()));
     connect(row_, "notify::selected", [this] { chosen(); });
   }
 
@@ -28,21 +26,24 @@ class PickerWidget : public Widget {
 
   void place(Widget& option, Widget* after) override {
     const auto position = after ? std::find(options_.begin(), options_.end(), after) + 1 : options_.begin();
-    const auto title = option.text(Attribute::title);
-    const std::array<const char*, 2> titles{title.c_str(), nullptr};
-    gtk_string_list_splice(titles_.get(), static_cast<guint>(position - options_.begin()), 0, titles.data());
     options_.insert(position, &option);
-    select();
+    showOptions();
   }
 
   void take(Widget& option) override {
-    const auto position = std::find(options_.begin(), options_.end(), &option);
-    gtk_string_list_remove(titles_.get(), static_cast<guint>(position - options_.begin()));
-    options_.erase(position);
-    select();
+    std::erase(options_, &option);
+    showOptions();
   }
 
  private:
+  // HACK: a new list each time. The row of libadwaita 1.2 falls over a selection in a list that has just grown.
+  void showOptions() {
+    const GObjectPtr<GtkStringList> titles{gtk_string_list_new(nullptr)};
+    for (const auto* option : options_) gtk_string_list_append(titles.get(), option->text(Attribute::title).c_str());
+    adw_combo_row_set_model(row_, G_LIST_MODEL(titles.get()));
+    select();
+  }
+
   void select() {
     const auto found =
         std::find_if(options_.begin(), options_.end(), [tag = text(Attribute::value)](const Widget* option) {
@@ -58,7 +59,6 @@ class PickerWidget : public Widget {
   }
 
   AdwComboRow* row_;
-  GObjectPtr<GtkStringList> titles_{gtk_string_list_new(nullptr)};
   std::vector<Widget*> options_;
 };
 

@@ -3,10 +3,23 @@
 #include "platform/linux/gtk/X11Place.h"
 #include "view/wire/EventLine.h"
 
+#include <string_view>
 #include <utility>
 #include <variant>
 
 namespace tavelle::gtk {
+namespace {
+
+// On the side where the desktop has it.
+std::string onlyCloseButton() {
+  char* layout = nullptr;
+  g_object_get(gtk_settings_get_default(), "gtk-decoration-layout", &layout, nullptr);
+  const GPtr<> owner{layout};
+  const std::string_view sides = layout ? layout : "";
+  return sides.find("close") < sides.find(':') ? "close:" : ":close";
+}
+
+}  // namespace
 
 // The monitors come last of the window's controllers: the newest is asked first.
 RendererWindow::RendererWindow(Send send)
@@ -15,6 +28,7 @@ RendererWindow::RendererWindow(Send send)
       renderer_({headerBar_, monitors_}, [this](GtkWidget* root) { adw_bin_set_child(content_, root); },
                 [this](const view::Event& event) { send_(view::encodeEvent(event)); }) {
   gtk_window_set_resizable(window_, false);
+  adw_header_bar_set_decoration_layout(headerBar_, onlyCloseButton().c_str());
   gtk_window_set_icon_name(window_, "app.tavelle.Tavelle");
   gtk_box_append(box_, GTK_WIDGET(headerBar_));
   gtk_box_append(box_, GTK_WIDGET(content_));
@@ -37,16 +51,20 @@ void RendererWindow::perform(const Present& present) {
     gtk_window_present(window_);
     return send_(encodeLine(Presented{present.number}));
   }
-  toReport_ = present.number;
+  presenting_ = present;
   gtk_window_present(window_);
-  moveTo(window_, present.place);
   g_signal_connect(gtk_widget_get_frame_clock(GTK_WIDGET(window_)), "after-paint", G_CALLBACK(onPainted), this);
 }
 
 void RendererWindow::onPainted(GdkFrameClock* clock, gpointer self) {
-  auto& window = *static_cast<RendererWindow*>(self);
   g_signal_handlers_disconnect_by_data(clock, self);
-  window.send_(encodeLine(Presented{std::exchange(window.toReport_, 0)}));
+  static_cast<RendererWindow*>(self)->painted();
+}
+
+// Only now it is known how large it is, with the shadow that some desktops have it draw.
+void RendererWindow::painted() {
+  moveTo(window_, presenting_.place);
+  send_(encodeLine(Presented{presenting_.number}));
 }
 
 gboolean RendererWindow::onCloseRequest(GtkWindow*, gpointer self) {

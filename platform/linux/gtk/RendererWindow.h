@@ -30,6 +30,7 @@ class RendererWindow {
   void perform(const view::Batch& batch) { renderer_.apply(batch); }
   void perform(const Present& present);
   void addShortcuts();
+  void painted();
   void close();
 
   const Send send_;
@@ -39,7 +40,7 @@ class RendererWindow {
   AdwBin* content_ = ADW_BIN(adw_bin_new());
   KeyMonitors monitors_;
   GtkRenderer renderer_;
-  std::uint64_t toReport_ = 0;  // the number of the request that is not drawn yet; 0 for none
+  Present presenting_{};  // the last request that had the window shown
 };
 
 }  // namespace tavelle::gtk
