@@ -22,7 +22,7 @@ void GtkRenderer::perform(const view::Create& create) {
   auto& mounted = nodes_[create.node];
   if (mounted.widget) throw view::WireError{"a node was created twice"};
   mounted.widget =
-      make(create.type, [this, node = create.node](view::Input input) { send_(input_.stamp(node, std::move(input))); });
+      make(create, [this, node = create.node](view::Input input) { send_(input_.stamp(node, std::move(input))); });
   mounted.widget->say(create.attributes);
 }
 
@@ -70,8 +70,8 @@ Widget* GtkRenderer::widgetAt(view::NodeID node) {
   return node == 0 ? nullptr : at(node).widget.get();
 }
 
-WidgetPtr GtkRenderer::make(NodeType type, Widget::Report report) const {
-  switch (type) {
+WidgetPtr GtkRenderer::make(const view::Create& create, Widget::Report report) const {
+  switch (create.type) {
     case NodeType::tabView:
       return makeTabView(std::move(report), surroundings_.headerBar);
     case NodeType::tab:
@@ -89,7 +89,7 @@ WidgetPtr GtkRenderer::make(NodeType type, Widget::Report report) const {
     case NodeType::labeledContent:
       return makeLabeledContent();
     case NodeType::text:
-      return makeText();
+      return create.attributes.find(view::Attribute::maximumWidth) ? makeWrappedText() : makeText();
     case NodeType::textField:
       return makeTextField(std::move(report));
     case NodeType::secureField:

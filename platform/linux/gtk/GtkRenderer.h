@@ -35,7 +35,7 @@ class GtkRenderer : public view::Renderer {
   void perform(const view::Move& move);
   void perform(const view::Remove& remove);
 
-  WidgetPtr make(view::NodeType type, Widget::Report report) const;
+  WidgetPtr make(const view::Create& create, Widget::Report report) const;
   Mounted& at(view::NodeID node);
   Widget* widgetAt(view::NodeID node);  // null for 0
   void forget(view::NodeID node);

@@ -21,7 +21,6 @@ class PickerWidget : public Widget {
     if (attribute == Attribute::value) return select();
     if (attribute != Attribute::title) return Widget::show(attribute);
     adw_preferences_row_set_title(ADW_PREFERENCES_ROW(root()), text(attribute).c_str());
-    nameControl(text(attribute));
   }
 
   void place(Widget& option, Widget* after) override {

@@ -9,7 +9,7 @@ using view::Attribute;
 
 class TextWidget : public Widget {
  public:
-  TextWidget() : Widget(gtk_label_new(nullptr), nullptr), label_(GTK_LABEL(root())) {
+  TextWidget(GtkWidget* root, GtkWidget* label) : Widget(root, nullptr), label_(GTK_LABEL(label)) {
     gtk_label_set_wrap(label_, true);
     gtk_label_set_wrap_mode(label_, PANGO_WRAP_WORD_CHAR);
     gtk_label_set_xalign(label_, 0);
@@ -23,14 +23,14 @@ class TextWidget : public Widget {
       case Attribute::color:
         return showColor(text(attribute));
       case Attribute::font:
-        setStyle(root(), "caption", text(attribute) == "caption");
-        return setStyle(root(), "title-1", text(attribute) == "title");
+        setStyle(GTK_WIDGET(label_), "caption", text(attribute) == "caption");
+        return setStyle(GTK_WIDGET(label_), "title-1", text(attribute) == "title");
       case Attribute::bold:
-        return setStyle(root(), "heading", isOn(attribute) && text(Attribute::font) != "title");
+        return setStyle(GTK_WIDGET(label_), "heading", isOn(attribute) && text(Attribute::font) != "title");
       case Attribute::monospacedDigits:
-        return setStyle(root(), "numeric", isOn(attribute));
+        return setStyle(GTK_WIDGET(label_), "numeric", isOn(attribute));
       case Attribute::maximumWidth:
-        return wrapAt(number(attribute, -1));
+        return adw_clamp_set_maximum_size(ADW_CLAMP(root()), static_cast<int>(number(attribute, 0)));
       default:
         return Widget::show(attribute);
     }
@@ -38,18 +38,10 @@ class TextWidget : public Widget {
 
  private:
   void showColor(const std::string& color) {
-    setStyle(root(), "dim-label", color == "secondary");
-    setStyle(root(), "success", color == "green");
-    setStyle(root(), "error", color == "red");
-    setStyle(root(), "warning", color == "orange");
-  }
-
-  // A label takes as little room as its text needs; asked for the width, it has its lines in the middle of it.
-  void wrapAt(double points) {
-    gtk_label_set_justify(label_, GTK_JUSTIFY_CENTER);
-    gtk_label_set_xalign(label_, 0.5);
-    gtk_label_set_max_width_chars(label_, 1);
-    gtk_widget_set_size_request(root(), static_cast<int>(points), -1);
+    setStyle(GTK_WIDGET(label_), "dim-label", color == "secondary");
+    setStyle(GTK_WIDGET(label_), "success", color == "green");
+    setStyle(GTK_WIDGET(label_), "error", color == "red");
+    setStyle(GTK_WIDGET(label_), "warning", color == "orange");
   }
 
   GtkLabel* label_;
@@ -80,7 +72,19 @@ class SpacerWidget : public Widget {
 }  // namespace
 
 WidgetPtr makeText() {
-  return std::make_unique<TextWidget>();
+  auto* const label = gtk_label_new(nullptr);
+  return std::make_unique<TextWidget>(label, label);
+}
+
+WidgetPtr makeWrappedText() {
+  auto* const label = gtk_label_new(nullptr);
+  auto* const clamp = adw_clamp_new();
+  gtk_widget_set_hexpand(clamp, true);
+  adw_clamp_set_child(ADW_CLAMP(clamp), label);
+  auto text = std::make_unique<TextWidget>(clamp, label);
+  gtk_label_set_justify(GTK_LABEL(label), GTK_JUSTIFY_CENTER);
+  gtk_label_set_xalign(GTK_LABEL(label), 0.5);
+  return text;
 }
 
 WidgetPtr makeImage() {

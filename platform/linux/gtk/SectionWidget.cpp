@@ -20,6 +20,7 @@ class SectionWidget : public Widget {
     if (attribute != Attribute::title) return Widget::show(attribute);
     const GPtr<> title{g_markup_escape_text(text(attribute).c_str(), -1)};
     adw_preferences_group_set_title(ADW_PREFERENCES_GROUP(root()), title.get());
+    gtk_accessible_update_property(GTK_ACCESSIBLE(list_), GTK_ACCESSIBLE_PROPERTY_LABEL, text(attribute).c_str(), -1);
   }
 
   void place(Widget& child, Widget* after) override {

@@ -28,6 +28,7 @@ WidgetPtr makeRow();
 WidgetPtr makeStack();
 WidgetPtr makeLabeledContent();
 WidgetPtr makeText();
+WidgetPtr makeWrappedText();  // a text of a maximum width, which is centred
 WidgetPtr makeTextField(Widget::Report report);
 WidgetPtr makeSecureField(Widget::Report report);
 WidgetPtr makeTextEditor(Widget::Report report);
