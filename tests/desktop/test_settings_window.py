@@ -32,6 +32,7 @@ class SettingsWindowTest(DesktopTest):
 
     def restart_tavelle(self):
         self.tavelle.end_kindly()
+        self.reader.take("CLIPBOARD")  # or it would stay for as long as the person may want to paste
         wait_until(lambda: not self.tavelle.runs(), "Tavelle has ended")
         self.tavelle.start().wait_ready()
 
@@ -168,6 +169,7 @@ class General(SettingsWindowTest):
     def test_a_profile_is_removed_while_its_name_is_being_typed(self):
         self.settings.open()
         self.settings.press("Add Profile")
+        self.settings.wait_for_text("Name:", "New Profile")
         self.settings.type_into("Name:", "Passing")
         self.settings.press("Remove Profile")
         self.settings.wait_for_text("Name:", "Reword")
@@ -185,12 +187,11 @@ class Provider(SettingsWindowTest):
         return super().start_tavelle(profiles, provider="openAI", base_url="https://api.openai.com/v1", model="gpt-4o")
 
     def test_a_provider_is_chosen_its_key_kept_in_the_keyring_and_the_connection_tested(self):
-        self.settings.choose_last("Provider:")
+        self.settings.choose_last("Provider:", "Custom")
         self.settings.wait_for_text("Base URL:", "")
         self.settings.type_into("Base URL:", self.model.url)
         self.settings.type_into("Model:", "stand-in")
-        self.settings.click("text", "API Key:")
-        self.desktop.keyboard.chord("Control", "A")  # the key that the desktop's keyring starts with
+        self.settings.select_all("API Key:")  # which the desktop's keyring starts with
         self.desktop.keyboard.type("typed key")
         wait_until(lambda: self.stored_key() == "typed key", lambda: f"the key in the keyring; it holds {self.stored_key()!r}")
         self.settings.press("Test Connection")

@@ -52,6 +52,14 @@ class Element:
         return Atspi.Text.get_text(self._accessible, 0, Atspi.Text.get_character_count(self._accessible))
 
     @property
+    def is_all_selected(self):
+        count = Atspi.Text.get_character_count(self._accessible)
+        if not Atspi.Text.get_n_selections(self._accessible):
+            return count == 0
+        selected = Atspi.Text.get_selection(self._accessible, 0)
+        return (selected.start_offset, selected.end_offset) == (0, count)
+
+    @property
     def place(self):
         return Atspi.Component.get_extents(self._accessible, Atspi.CoordType.WINDOW)
 

@@ -104,19 +104,29 @@ class SettingsWindow:
     def click(self, role, name):
         element = self.element(role, name)
         self._scroll_to(element)
-        place, frame = element.place, self._frame_place()
+        place, frame = self._settled_place(element), self._frame_place()
         self._desktop.pointer.click(self._left(frame) + place.x + place.width / 3, self._top(frame) + self._middle(place))
 
     def type_into(self, name, text):
         """Puts another text into a field, key by key."""
-        self.click("text", name)
-        self._desktop.keyboard.chord("Control", "A")
+        self.select_all(name)
         self._desktop.keyboard.type(text)
         self.wait_for_text(name, text)
 
-    def choose_last(self, name):
-        """Opens a picker and takes the last of its options."""
+    def select_all(self, name):
+        """A field that takes the keyboard may put its cursor somewhere yet."""
+        self.click("text", name)
+
+        def is_selected():
+            self._desktop.keyboard.chord("Control", "A")
+            return self.element("text", name).is_all_selected
+
+        wait_until(is_selected, lambda: f"all of {name!r} is selected", every=0.1)
+
+    def choose_last(self, name, option):
+        """Opens a picker and takes the last of its options, which is this one."""
         self.click("combo box", name)
+        self.wait_for_label(lambda text: text == option, f"the option {option!r}")
         for key in ("End", "Return"):
             self._desktop.keyboard.chord(key)
 
@@ -133,6 +143,18 @@ class SettingsWindow:
             return False
 
         wait_until(is_in_sight, lambda: f"{element.name!r} is in sight", every=0.1)
+
+    @staticmethod
+    def _settled_place(element):
+        """Where it is once the window has laid out what has changed before."""
+        seen = []
+
+        def is_settled():
+            place = element.place
+            seen.append((place.x, place.y, place.width, place.height))
+            return place if seen[-2:] == [seen[-1]] * 2 and place.width else None
+
+        return wait_until(is_settled, lambda: f"{element.name!r} stays in its place", every=0.1)
 
     @staticmethod
     def _middle(place):
