@@ -22,7 +22,7 @@ class LinuxWindow : public Window, private view::Renderer {
  public:
   struct Drawing {
     std::filesystem::path program;
-    std::chrono::milliseconds patience{10'000};       // from asking for the window until it is drawn
+    std::chrono::milliseconds patience{10'000};           // from asking for the window until it is drawn
     std::chrono::milliseconds restAfterClosing{300'000};  // until the program is ended
   };
   // Trouble with the renderer: what the person can make of it, and what somebody who looks for the cause wants to know.

@@ -59,11 +59,10 @@ std::variant<view::Batch, Present> decodeOrder(std::string_view line) {
   const Named named{line};
   if (!named.is("present")) throw view::WireError{"an unknown order"};
   const auto& contents = named.contents(5);
-  return Present{view::readNumber(view::readMember(contents, "number")),
-                 view::readString(view::readMember(contents, "title")),
-                 view::readDouble(view::readMember(contents, "width")),
-                 view::readDouble(view::readMember(contents, "height")),
-                 readPlace(view::readMember(contents, "place"))};
+  return Present{
+      view::readNumber(view::readMember(contents, "number")), view::readString(view::readMember(contents, "title")),
+      view::readDouble(view::readMember(contents, "width")), view::readDouble(view::readMember(contents, "height")),
+      readPlace(view::readMember(contents, "place"))};
 }
 
 std::variant<view::Event, Presented, Closed> decodeReport(std::string_view line) {

@@ -3,10 +3,10 @@
 //
 // Ends with 0 where all are free, 1 where some are held, 2 where it could not find out.
 
+#include "platform/linux/VirtualKeyCodes.h"
 #include "platform/linux/x11/Connection.h"
 #include "platform/linux/x11/HotKeyGrabs.h"
 #include "platform/linux/x11/Keyboard.h"
-#include "platform/linux/VirtualKeyCodes.h"
 #include "tools/hotkeys/KeyCombination.h"
 
 #include <cstdio>

@@ -11,9 +11,8 @@ namespace {
 // NSEventModifierFlags.
 std::uint32_t modifierFlags(GdkModifierType state) {
   constexpr std::pair<unsigned, std::uint32_t> flags[] = {
-      {GDK_LOCK_MASK, 1U << 16},    {GDK_SHIFT_MASK, 1U << 17},
-      {GDK_CONTROL_MASK, 1U << 18}, {GDK_ALT_MASK, 1U << 19},
-      {GDK_SUPER_MASK, 1U << 20},
+      {GDK_LOCK_MASK, 1U << 16}, {GDK_SHIFT_MASK, 1U << 17}, {GDK_CONTROL_MASK, 1U << 18},
+      {GDK_ALT_MASK, 1U << 19},  {GDK_SUPER_MASK, 1U << 20},
   };
   std::uint32_t result = 0;
   for (const auto& [mask, flag] : flags) {

@@ -56,9 +56,8 @@ class ListWidget : public Widget {
 
   void chosen() {
     auto* const selected = gtk_list_box_get_selected_row(list_);
-    const auto found = std::find_if(rows_.begin(), rows_.end(), [selected](const Widget* row) {
-      return row->root() == GTK_WIDGET(selected);
-    });
+    const auto found = std::find_if(rows_.begin(), rows_.end(),
+                                    [selected](const Widget* row) { return row->root() == GTK_WIDGET(selected); });
     report(view::Selected{found == rows_.end() ? "" : (*found)->text(Attribute::tag)});
   }
 

@@ -44,10 +44,9 @@ class PickerWidget : public Widget {
   }
 
   void select() {
-    const auto found =
-        std::find_if(options_.begin(), options_.end(), [tag = text(Attribute::value)](const Widget* option) {
-          return option->text(Attribute::tag) == tag;
-        });
+    const auto found = std::find_if(
+        options_.begin(), options_.end(),
+        [tag = text(Attribute::value)](const Widget* option) { return option->text(Attribute::tag) == tag; });
     adw_combo_row_set_selected(
         row_, found == options_.end() ? GTK_INVALID_LIST_POSITION : static_cast<guint>(found - options_.begin()));
   }

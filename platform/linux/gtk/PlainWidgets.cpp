@@ -96,11 +96,8 @@ WidgetPtr makeSpacer() {
 }
 
 std::string iconFor(const std::string& symbol) {
-  static const std::map<std::string, std::string> names{{"gear", "gear"},
-                                                        {"cloud", "cloud"},
-                                                        {"info.circle", "info"},
-                                                        {"plus", "plus"},
-                                                        {"minus", "minus"}};
+  static const std::map<std::string, std::string> names{
+      {"gear", "gear"}, {"cloud", "cloud"}, {"info.circle", "info"}, {"plus", "plus"}, {"minus", "minus"}};
   const auto found = names.find(symbol);
   return found == names.end() ? "image-missing" : "tavelle-" + found->second + "-symbolic";
 }

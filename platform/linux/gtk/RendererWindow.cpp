@@ -25,8 +25,9 @@ std::string onlyCloseButton() {
 RendererWindow::RendererWindow(Send send)
     : send_(std::move(send)),
       monitors_((addShortcuts(), GTK_WIDGET(window_))),
-      renderer_({headerBar_, monitors_}, [this](GtkWidget* root) { adw_bin_set_child(content_, root); },
-                [this](const view::Event& event) { send_(view::encodeEvent(event)); }) {
+      renderer_(
+          {headerBar_, monitors_}, [this](GtkWidget* root) { adw_bin_set_child(content_, root); },
+          [this](const view::Event& event) { send_(view::encodeEvent(event)); }) {
   gtk_window_set_resizable(window_, false);
   adw_header_bar_set_decoration_layout(headerBar_, onlyCloseButton().c_str());
   gtk_window_set_icon_name(window_, "app.tavelle.Tavelle");

@@ -28,7 +28,8 @@ class TabViewWidget : public Widget {
   void show(Attribute attribute) override {
     if (attribute != Attribute::value) return Widget::show(attribute);
     const auto tag = text(attribute);
-    if (adw_view_stack_get_child_by_name(stack_, tag.c_str())) adw_view_stack_set_visible_child_name(stack_, tag.c_str());
+    if (adw_view_stack_get_child_by_name(stack_, tag.c_str()))
+      adw_view_stack_set_visible_child_name(stack_, tag.c_str());
   }
 
   // At the end: tabs do not change their places.
@@ -49,14 +50,13 @@ class TabViewWidget : public Widget {
 
   // Control and this key go `distance` tabs on, from wherever the keyboard is.
   void addShortcut(guint key, int distance) {
-    auto* const shortcut = gtk_shortcut_new(
-        gtk_keyval_trigger_new(key, GDK_CONTROL_MASK),
-        gtk_callback_action_new(
-            [](GtkWidget* stack, GVariant* by, gpointer) -> gboolean {
-              goOn(ADW_VIEW_STACK(stack), g_variant_get_int32(by));
-              return true;
-            },
-            nullptr, nullptr));
+    auto* const shortcut = gtk_shortcut_new(gtk_keyval_trigger_new(key, GDK_CONTROL_MASK),
+                                            gtk_callback_action_new(
+                                                [](GtkWidget* stack, GVariant* by, gpointer) -> gboolean {
+                                                  goOn(ADW_VIEW_STACK(stack), g_variant_get_int32(by));
+                                                  return true;
+                                                },
+                                                nullptr, nullptr));
     gtk_shortcut_set_arguments(shortcut, g_variant_new_int32(distance));
     auto* const controller = gtk_shortcut_controller_new();
     gtk_shortcut_controller_set_scope(GTK_SHORTCUT_CONTROLLER(controller), GTK_SHORTCUT_SCOPE_GLOBAL);

@@ -44,16 +44,17 @@ int main() {
   adw_init();
   useOwnLooks();
 
-  const std::unique_ptr<GMainLoop, decltype(&g_main_loop_unref)> loop{g_main_loop_new(nullptr, false), g_main_loop_unref};
+  const std::unique_ptr<GMainLoop, decltype(&g_main_loop_unref)> loop{g_main_loop_new(nullptr, false),
+                                                                      g_main_loop_unref};
   std::unique_ptr<LineSocket> socket;
   gtk::RendererWindow window{[&socket](const std::string& line) { socket->send(line); }};
-  socket = std::make_unique<LineSocket>(
-      FileDescriptor{inheritedDescriptor},
-      LineSocket::Handlers{[&window](const std::string& line) { window.receive(line); },
-                           [&loop](const std::string& why) {
-                             std::fprintf(stderr, "tavelle-settings: %s\n", why.c_str());
-                             g_main_loop_quit(loop.get());
-                           }});
+  socket =
+      std::make_unique<LineSocket>(FileDescriptor{inheritedDescriptor},
+                                   LineSocket::Handlers{[&window](const std::string& line) { window.receive(line); },
+                                                        [&loop](const std::string& why) {
+                                                          std::fprintf(stderr, "tavelle-settings: %s\n", why.c_str());
+                                                          g_main_loop_quit(loop.get());
+                                                        }});
   g_main_loop_run(loop.get());
   return 0;
 }
