@@ -1,3 +1,4 @@
+#include "platform/linux/gtk/GrowingScroll.h"
 #include "platform/linux/gtk/Widgets.h"
 
 #include <algorithm>
@@ -12,16 +13,10 @@ using view::Attribute;
 class ListWidget : public Widget {
  public:
   explicit ListWidget(Report report) : Widget(gtk_scrolled_window_new(), std::move(report)) {
-    constexpr int aFewRows = 160;
-    auto* const scrolled = GTK_SCROLLED_WINDOW(root());
-    gtk_scrolled_window_set_policy(scrolled, GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
-    gtk_scrolled_window_set_propagate_natural_height(scrolled, true);
-    gtk_scrolled_window_set_max_content_height(scrolled, aFewRows);
-    gtk_scrolled_window_set_child(scrolled, GTK_WIDGET(list_));
+    gtk_scrolled_window_set_child(GTK_SCROLLED_WINDOW(root()), GTK_WIDGET(list_));
     gtk_widget_add_css_class(root(), "list-in-row");
     gtk_widget_add_css_class(GTK_WIDGET(list_), "navigation-sidebar");
     connect(list_, "row-selected", [this] { chosen(); });
-    connect(gtk_scrolled_window_get_vadjustment(scrolled), "changed", [this] { reveal(); });
   }
 
  protected:
@@ -30,7 +25,7 @@ class ListWidget : public Widget {
   void show(Attribute attribute) override {
     if (attribute == Attribute::value) return select();
     if (attribute != Attribute::minimumHeight) return Widget::show(attribute);
-    gtk_scrolled_window_set_min_content_height(GTK_SCROLLED_WINDOW(root()), static_cast<int>(number(attribute, -1)));
+    scroll_.setMinimum(static_cast<int>(number(attribute, -1)));
   }
 
   void place(Widget& row, Widget* after) override {
@@ -61,18 +56,22 @@ class ListWidget : public Widget {
     report(view::Selected{found == rows_.end() ? "" : (*found)->text(Attribute::tag)});
   }
 
-  // A row that was added has its place only when the list is laid out again: the adjustment then says so.
+  // Asked again when the list is laid out: a row that was added has no place before.
   void reveal() {
     auto* const row = gtk_list_box_get_selected_row(list_);
     graphene_rect_t place;
     if (!row || !gtk_widget_compute_bounds(GTK_WIDGET(row), GTK_WIDGET(list_), &place)) return;
-    const auto top = static_cast<double>(place.origin.y);
+    constexpr double margin = 6;
+    const auto top = static_cast<double>(place.origin.y) - margin;
     gtk_adjustment_clamp_page(gtk_scrolled_window_get_vadjustment(GTK_SCROLLED_WINDOW(root())), top,
-                              top + static_cast<double>(place.size.height));
+                              top + static_cast<double>(place.size.height) + 2 * margin);
   }
+
+  static constexpr int aFewRows = 160;
 
   GtkListBox* list_ = GTK_LIST_BOX(gtk_list_box_new());
   std::vector<Widget*> rows_;
+  GrowingScroll scroll_{GTK_SCROLLED_WINDOW(root()), aFewRows, [this] { reveal(); }};
 };
 
 // A name, and what else there is to say of it at the other end.

@@ -1,3 +1,4 @@
+#include "platform/linux/gtk/GrowingScroll.h"
 #include "platform/linux/gtk/Widgets.h"
 
 #include <algorithm>
@@ -13,7 +14,6 @@ class TextEditorWidget : public Widget {
  public:
   explicit TextEditorWidget(Report report) : Widget(gtk_scrolled_window_new(), std::move(report)) {
     constexpr int margin = 8;
-    constexpr int aFewLines = 170;
     gtk_text_view_set_wrap_mode(view_, GTK_WRAP_WORD_CHAR);
     gtk_text_view_set_left_margin(view_, margin);
     gtk_text_view_set_right_margin(view_, margin);
@@ -21,11 +21,7 @@ class TextEditorWidget : public Widget {
     gtk_text_view_set_bottom_margin(view_, margin);
     gtk_text_view_set_accepts_tab(view_, false);  // it goes on to the next control, as everywhere in the window
 
-    auto* const scrolled = GTK_SCROLLED_WINDOW(root());
-    gtk_scrolled_window_set_policy(scrolled, GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
-    gtk_scrolled_window_set_propagate_natural_height(scrolled, true);
-    gtk_scrolled_window_set_max_content_height(scrolled, aFewLines);
-    gtk_scrolled_window_set_child(scrolled, GTK_WIDGET(view_));
+    gtk_scrolled_window_set_child(GTK_SCROLLED_WINDOW(root()), GTK_WIDGET(view_));
     gtk_widget_add_css_class(root(), "editor-in-row");
     connect(buffer_, "changed", [this] { this->report(view::Edited{shownText()}); });
   }
@@ -40,8 +36,7 @@ class TextEditorWidget : public Widget {
       case Attribute::monospaced:
         return gtk_text_view_set_monospace(view_, isOn(attribute));
       case Attribute::minimumHeight:
-        return gtk_scrolled_window_set_min_content_height(GTK_SCROLLED_WINDOW(root()),
-                                                          static_cast<int>(number(attribute, -1)));
+        return scroll_.setMinimum(static_cast<int>(number(attribute, -1)));
       default:
         return Widget::show(attribute);
     }
@@ -66,8 +61,11 @@ class TextEditorWidget : public Widget {
     gtk_text_buffer_place_cursor(buffer_, &cursor);
   }
 
+  static constexpr int aFewLines = 170;
+
   GtkTextView* view_ = GTK_TEXT_VIEW(gtk_text_view_new());
   GtkTextBuffer* buffer_ = gtk_text_view_get_buffer(view_);
+  GrowingScroll scroll_{GTK_SCROLLED_WINDOW(root()), aFewLines};
 };
 
 }  // namespace

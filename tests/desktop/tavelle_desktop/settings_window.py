@@ -81,6 +81,19 @@ class SettingsWindow:
         return self._until(lambda: next((one.name for one in self._frame().all() if one.role == "label" and accept(one.name)), None),
                            lambda: f"{what}; shown are {self.shown()}")  # fmt: skip
 
+    def wait_until_still(self):
+        """Nothing in it moves or fades any more."""
+        seen = []
+
+        def is_still():
+            seen.append(self._desktop.screen.pixels(self.window))
+            return len(seen) > 1 and seen[-1] == seen[-2]
+
+        wait_until(is_still, "the settings window is still", every=0.3)
+
+    def picture(self, path):
+        self._desktop.processes.run("import", "-display", self._desktop.display_name, "-window", self.window.id, path, within=20)
+
     # What a person does.
 
     def focused(self):

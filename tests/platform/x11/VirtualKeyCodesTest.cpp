@@ -89,7 +89,9 @@ TEST(VirtualKeyCodes, nameNoServerKeyForTheFunctionKeyPastTheProtocol) {
 
 TEST(VirtualKeyCodes, areFoundByTheServersNumberOfTheirKey) {
   for (std::uint32_t code = 0; code < 0x80; ++code) {
-    if (const auto keycode = keycodeOf(code)) EXPECT_EQ(virtualKeyCodeOf(*keycode), code);
+    if (const auto keycode = keycodeOf(code)) {
+      EXPECT_EQ(virtualKeyCodeOf(*keycode), code);
+    }
   }
 }
 
