@@ -12,6 +12,7 @@ class TextWidget : public Widget {
   TextWidget(GtkWidget* root, GtkWidget* label) : Widget(root, nullptr), label_(GTK_LABEL(label)) {
     gtk_label_set_wrap(label_, true);
     gtk_label_set_wrap_mode(label_, PANGO_WRAP_WORD_CHAR);
+    gtk_label_set_natural_wrap_mode(label_, GTK_NATURAL_WRAP_NONE);  // on one line where there is room for it
     gtk_label_set_xalign(label_, 0);
   }
 
