@@ -1,8 +1,10 @@
 #include "app/AppDelegate.h"
 
+#include "account/TavelleAccountManager.h"
 #include "app/SettingsWindow.h"
 #include "hotkeys/HotkeyManager.h"
 #include "platform/Platform.h"
+#include "platform/URL.h"
 #include "settings/SettingsManager.h"
 
 #include <functional>
@@ -13,6 +15,22 @@ AppDelegate::AppDelegate(Platform& platform)
     : platform_(platform),
       notifications_(platform.userNotificationCenter()),
       clipboardManager_(platform.generalPasteboard()) {}
+
+void AppDelegate::applicationWillFinishLaunching() {
+  platform_.sharedAppleEventManager().setEventHandler(
+      [weak = weak_from_this()](const AppleEvent& event, AppleEvent& reply) {
+        if (const auto self = weak.lock()) self->handleURLEvent(event, reply);
+      },
+      kInternetEventClass, kAEGetURL);
+}
+
+void AppDelegate::handleURLEvent(const AppleEvent& event, AppleEvent&) {
+  const AppleEventDescriptor* const link = event.paramDescriptorForKeyword(keyDirectObject);
+  if (!link || !link->stringValue) return;
+  const auto url = URL::parse(*link->stringValue);
+  if (!url || !url->absoluteString().starts_with("tavelle:")) return;  // in lower case, as it is registered
+  if (url->host() == "auth") TavelleAccountManager::shared().handleAuthCallback(*url);
+}
 
 void AppDelegate::applicationDidFinishLaunching() {
   setupMenuBar();

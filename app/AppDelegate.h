@@ -4,6 +4,7 @@
 #include "app/NotificationHelper.h"
 #include "concurrency/Task.h"
 #include "observation/Subscription.h"
+#include "platform/AppleEvents.h"
 #include "platform/Application.h"
 #include "platform/StatusBar.h"
 #include "platform/UUID.h"
@@ -26,6 +27,9 @@ class AppDelegate : public ApplicationDelegate, public std::enable_shared_from_t
   // ones, first asked for at launch: a second instance, which never launches, touches none of them.
   explicit AppDelegate(Platform& platform);
 
+  // Listens to the links of the application's scheme, before one that launched it could come.
+  void applicationWillFinishLaunching() override;
+
   void applicationDidFinishLaunching() override;
   void applicationShouldHandleReopen() override;
 
@@ -43,6 +47,9 @@ class AppDelegate : public ApplicationDelegate, public std::enable_shared_from_t
   void openSettings();
 
   void quitApp();
+
+  // A link of the scheme "tavelle" was opened: the host "auth" is the callback of a sign-in, and all else nobody's.
+  void handleURLEvent(const AppleEvent& event, AppleEvent& reply);
 
   bool isProcessing() const { return isProcessing_; }
   const ClipboardManager& clipboardManager() const { return clipboardManager_; }

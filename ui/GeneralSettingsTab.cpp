@@ -4,6 +4,7 @@
 #include "platform/Platform.h"
 #include "ui/HotkeyString.h"
 #include "ui/OnKeyDownModifier.h"
+#include "ui/SettingsBinding.h"
 #include "view/Nodes.h"
 
 #include <algorithm>
@@ -91,8 +92,7 @@ Node GeneralSettingsTab::accessibilitySection() {
 }
 
 Node GeneralSettingsTab::temperatureSection() {
-  const Binding<double> temperature{[this] { return settings_.temperature(); },
-                                    [this](double value) { settings_.setTemperature(value); }};
+  const auto temperature = settingsBinding(settings_, &SettingsManager::temperature, &SettingsManager::setTemperature);
   return section("Temperature",
                  horizontalStack(slider(temperature, 0.0, 2.0, 10).labeled("Temperature"),
                                  text(withOneDecimal(settings_.temperature())).monospacedDigits().width(30)));

@@ -8,6 +8,7 @@
 #include "view/State.h"
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>

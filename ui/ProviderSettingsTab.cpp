@@ -4,6 +4,7 @@
 #include "platform/LocalizedError.h"
 #include "platform/Platform.h"
 #include "ui/FirstCharacters.h"
+#include "ui/SettingsBinding.h"
 #include "ui/TavelleAccountSection.h"
 #include "view/Nodes.h"
 
@@ -42,17 +43,19 @@ Node ProviderSettingsTab::providerSection() {
 }
 
 Node ProviderSettingsTab::connectionSection() {
-  const Binding<std::string> baseURL{[this] { return settings_.baseURL(); },
-                                     [this](std::string url) { settings_.setBaseURL(std::move(url)); }};
-  const Binding<std::string> model{[this] { return settings_.model(); },
-                                   [this](std::string name) { settings_.setModel(std::move(name)); }};
   const Binding<std::string> apiKey{[this] { return apiKeyInput_.get(); },
                                     [this](const std::string& key) {
                                       apiKeyInput_.set(key);
                                       settings_.setAPIKey(key);
                                     }};
-  return section("Connection", textField("Base URL:", baseURL), textField("Model:", model),
-                 settings_.provider().requiresAPIKey() ? std::optional{secureField("API Key:", apiKey)} : std::nullopt);
+  const auto provider = settings_.provider();
+  // The fields belong to their provider: a key that is typed for one never reaches another.
+  return section("Connection",
+                 textField("Base URL:",
+                           settingsBinding(settings_, &SettingsManager::baseURL, &SettingsManager::setBaseURL)),
+                 textField("Model:", settingsBinding(settings_, &SettingsManager::model, &SettingsManager::setModel)),
+                 provider.requiresAPIKey() ? std::optional{secureField("API Key:", apiKey)} : std::nullopt)
+      .keyed(std::string{provider.id()});
 }
 
 Node ProviderSettingsTab::testSection() {

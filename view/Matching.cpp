@@ -1,6 +1,7 @@
 #include "view/Matching.h"
 
 #include <algorithm>
+#include <iterator>
 #include <map>
 
 namespace tavelle::view {

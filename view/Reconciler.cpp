@@ -4,6 +4,7 @@
 #include "view/Matching.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace tavelle::view {
@@ -81,7 +82,6 @@ void Reconciler::dispatch(const Event& event) {
   if (found == nodes_.end()) return;  // it was taken away while the event was on its way
 
   Mounted& mounted = *found->second;
-  const auto* const enabled = mounted.node.attributes.get<bool>(Attribute::enabled);
   if (auto value = newValue(event.input)) {
     mounted.node.attributes.set(Attribute::value, *std::move(value));
     // What it is bound to may see it differently, and then says so when it is drawn again.
@@ -89,7 +89,8 @@ void Reconciler::dispatch(const Event& event) {
     while (drawer && !drawer->isComponent()) drawer = drawer->owner;
     if (drawer) mark(*drawer);
   }
-  if (mounted.node.onInput && (!enabled || *enabled)) mounted.node.onInput(event.input);
+  const auto* const isEnabled = mounted.node.attributes.get<bool>(Attribute::enabled);
+  if (mounted.node.onInput && (!isEnabled || *isEnabled)) mounted.node.onInput(event.input);
 }
 
 void Reconciler::flush() {
@@ -156,28 +157,28 @@ void Reconciler::patch(Mounted& mounted, Node next) {
 void Reconciler::patchChildren(Mounted& owner, std::vector<Node> next, Place place) {
   auto previous = std::exchange(owner.children, {});
   const auto matches = match(identities(previous), identities(next));
-  std::vector<bool> goesOn(previous.size(), false);
-  for (const auto& match : matches) {
-    if (match) goesOn[*match] = true;
+  std::vector<std::unique_ptr<Mounted>> children(next.size());
+  for (std::size_t at = 0; at < next.size(); ++at) {
+    if (matches[at]) children[at] = std::move(previous[*matches[at]]);
   }
-  for (std::size_t at = 0; at < previous.size(); ++at) {
-    if (goesOn[at]) continue;
-    batch_.operations.emplace_back(Remove{previous[at]->host()});
-    unmount(*previous[at]);
+  for (const auto& gone : previous) {
+    if (!gone) continue;
+    batch_.operations.emplace_back(Remove{gone->host()});
+    unmount(*gone);
   }
 
   const auto stays = staying(matches);
   for (std::size_t at = 0; at < next.size(); ++at) {
-    if (matches[at]) {
-      auto& child = previous[*matches[at]];
+    auto& child = children[at];
+    if (!child) {
+      child = mount(std::move(next[at]), &owner, place);
+    } else {
       if (!stays[at]) batch_.operations.emplace_back(Move{place.parent, child->host(), place.after});
       patch(*child, std::move(next[at]));
-      owner.children.push_back(std::move(child));
-    } else {
-      owner.children.push_back(mount(std::move(next[at]), &owner, place));
     }
-    place.after = owner.children.back()->host();
+    place.after = child->host();
   }
+  owner.children = std::move(children);
 }
 
 void Reconciler::show(const Mounted& mounted, Place place) {

@@ -1,15 +1,29 @@
 #include "platform/linux/Application.h"
 
+#include "platform/UTF8.h"
 #include "platform/linux/GDBus.h"
 
 #include <glib-unix.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <utility>
 
 namespace tavelle {
+namespace {
+
+constexpr const char* objectPath = "/app/tavelle/Tavelle";  // as GApplication has it
+
+// The links of the command line, where there is nothing else on it.
+std::span<char*> linksIn(std::span<char*> arguments) {
+  const auto given = arguments.subspan(std::min<std::size_t>(1, arguments.size()));
+  const bool hasOptions = std::any_of(given.begin(), given.end(), [](const char* each) { return *each == '-'; });
+  return hasOptions ? std::span<char*>{} : given;
+}
+
+}  // namespace
 
 LinuxApplication::LinuxApplication(SessionBus& bus, LinuxAppleEventManager& events)
     : bus_(bus), events_(events), application_(g_application_new(applicationID, G_APPLICATION_HANDLES_OPEN)) {
@@ -25,9 +39,31 @@ LinuxApplication::~LinuxApplication() {
 
 int LinuxApplication::run(std::span<char*> arguments) {
   std::setvbuf(stdout, nullptr, _IOLBF, 0);  // its lines are read while it runs: by a terminal, a journal, a script
+  if (passOn(linksIn(arguments))) return EXIT_SUCCESS;
   const int status = g_application_run(application_.get(), static_cast<int>(arguments.size()), arguments.data());
   if (isAnotherRunning_) std::puts("Tavelle is already running.");
   return status != 0 ? status : exitStatus_;
+}
+
+// Gives the links to the one that runs, or to one that the bus starts, so that this process ends: what opened a link
+// may wait for that, and shows the link in the list of processes meanwhile. False where nobody took them. There is no
+// main loop yet that the call could hold up.
+bool LinuxApplication::passOn(std::span<char*> links) {
+  auto* const connection = links.empty() ? nullptr : bus_.connection();
+  const bool areTexts = std::all_of(links.begin(), links.end(), [](const char* each) { return isUTF8(each); });
+  if (!connection || !areTexts) return false;
+  GVariantBuilder urls;
+  g_variant_builder_init(&urls, G_VARIANT_TYPE_STRING_ARRAY);
+  for (const char* const link : links) {
+    const GObjectPtr<GFile> file{g_file_new_for_commandline_arg(link)};
+    g_variant_builder_add_value(&urls, g_variant_new_take_string(g_file_get_uri(file.get())));
+  }
+  constexpr int usualTimeout = -1;
+  const GVariantPtr reply{g_dbus_connection_call_sync(
+      connection, applicationID, objectPath, "org.freedesktop.Application", "Open",
+      g_variant_new("(as@a{sv})", &urls, g_variant_new_array(G_VARIANT_TYPE("{sv}"), nullptr, 0)), nullptr,
+      G_DBUS_CALL_FLAGS_NONE, usualTimeout, nullptr, nullptr)};
+  return reply != nullptr;
 }
 
 void LinuxApplication::onRegistered(GApplication* application, GParamSpec*, gpointer self) {

@@ -52,6 +52,7 @@ class LinuxApplication : public Application {
   void launch();
   void reopen();
   void openLink(GFile* link);
+  bool passOn(std::span<char*> links);
   void watchSignals();
   template <int number>
   void watchSignal();

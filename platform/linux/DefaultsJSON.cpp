@@ -6,7 +6,6 @@
 #include <glib.h>
 
 #include <algorithm>
-#include <algorithm>
 #include <limits>
 #include <utility>
 

@@ -174,6 +174,16 @@ TEST_F(ProviderSettingsTabTest, keepsAKeyThatCouldNotBeReadWhenItsProviderIsChos
   EXPECT_EQ(storedKey("anthropic"), "sk-2");
 }
 
+TEST_F(ProviderSettingsTabTest, doesNotGiveAKeyThatIsTypedForOneProviderToAnother) {
+  storeKey("anthropic", "sk-2");
+  const auto field = screen->widget("API Key:").node;
+  screen->choose(screen->widget(NodeType::picker), "anthropic");
+  reconciler->dispatch({field, 100, view::Edited{"sk-1"}});  // typed before the renderer knew
+  settle();
+  EXPECT_EQ(storedKey("anthropic"), "sk-2");
+  EXPECT_EQ(keyField(), "sk-2");
+}
+
 TEST_F(ProviderSettingsTabTest, keepsTheTypedKeyInTheFieldWhereTheKeychainRefusesIt) {
   platform.secrets.addStatus = errSecInteractionNotAllowed;
   screen->focus(screen->widget("API Key:"));

@@ -295,7 +295,7 @@ TEST_F(ReconcilerTest, doesNotHearWhatWasDoneToAControlBeforeItKnewThatItIsDisab
 
 TEST_F(ReconcilerTest, ignoresInputOfAKindThatTheNodeDoesNotTake) {
   int presses = 0;
-  show([&] { return button("b", [&presses] { ++presses; }); });
+  show([&] { return button("b", [&presses] { ++presses; }).disabled(false); });
   reconciler->dispatch({1, 1, Edited{"x"}});
   reconciler->dispatch({1, 2, KeyDown{}});
   EXPECT_EQ(presses, 0);

@@ -19,10 +19,14 @@ constexpr const char* isRunningAlready = "Tavelle is already running.\n";
 
 constexpr dbus::Method open = {applicationID, "/app/tavelle/Tavelle", "org.freedesktop.Application", "Open"};
 
+std::string contentsOf(const std::filesystem::path& path) {
+  std::ifstream file{path};
+  return {std::istreambuf_iterator<char>{file}, {}};
+}
+
 // What others see in the list of processes.
 std::string commandLineOf(int processID) {
-  std::ifstream file{"/proc/" + std::to_string(processID) + "/cmdline"};
-  return {std::istreambuf_iterator<char>{file}, {}};
+  return contentsOf("/proc/" + std::to_string(processID) + "/cmdline");
 }
 
 class ApplicationTest : public testing::Test {
@@ -205,6 +209,34 @@ TEST_F(ApplicationTest, passesTheLinksOfASecondStartOnToTheFirst) {
   EXPECT_EQ(start(onBus(bus), {"tavelle://auth?token=a", "tavelle://auth?token=b"})->exitStatus(), 0);
   EXPECT_TRUE(first->hasWritten("get URL tavelle://auth?token=a\nget URL tavelle://auth?token=b\n"));
   EXPECT_EQ(first->output().find("reopen"), std::string::npos);
+}
+
+TEST_F(ApplicationTest, hasTheBusStartOneForItsLinkWhereThatCanAndEnds) {
+  PrivateBus bus;
+  const auto output = runtime_.path() / "output";
+  bus.addService(applicationID, "/usr/bin/env DISPLAY=:7 XDG_RUNTIME_DIR=" + runtime_.path().string() +
+                                    " sh -c \"exec " + TAVELLE_TEST_APPLICATION + " --gapplication-service >" +
+                                    output.string() + "\"");
+  const auto program = start(onBus(bus), {"tavelle://auth?token=a%20b"});
+  EXPECT_EQ(program->exitStatus(), 0);
+  EXPECT_EQ(program->output(), "ended\n");
+  EXPECT_EQ(contentsOf(output), std::string{launched} + "get URL tavelle://auth?token=a%20b\n");
+  const auto peer = bus.connect();
+  const auto owner = callAndWait(
+      peer.get(),
+      {"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetConnectionUnixProcessID"},
+      g_variant_new("(s)", applicationID));
+  guint32 processID = 0;
+  g_variant_get(owner.get(), "(u)", &processID);
+  EXPECT_EQ(commandLineOf(static_cast<int>(processID)).find("auth"), std::string::npos);
+  kill(static_cast<int>(processID), SIGKILL);
+}
+
+TEST_F(ApplicationTest, takesItsLinkItselfWhereTheBusCannotStartOne) {
+  PrivateBus bus;
+  bus.addService(applicationID, "/bin/false");
+  const auto program = start(onBus(bus), {"tavelle://auth?token=a"});
+  EXPECT_TRUE(program->hasWritten(std::string{launched} + "get URL tavelle://auth?token=a\n"));
 }
 
 TEST_F(ApplicationTest, deliversTheLinkThatTheBusStartedItFor) {
