@@ -34,6 +34,7 @@ class SettingsWindowTest(DesktopTest):
         self.tavelle.end_kindly()
         self.reader.take("CLIPBOARD")  # or it would stay for as long as the person may want to paste
         wait_until(lambda: not self.tavelle.runs(), "Tavelle has ended")
+        self.settings.wait_for_closed()  # its renderer ends after it
         self.tavelle.start().wait_ready()
 
 

@@ -5,7 +5,7 @@ from gi.repository import GLib
 from . import accessibility
 from .waiting import wait_until
 
-WINDOW_CLASS = "(?i)tavelle"
+WINDOW_CLASS = "(?i)app.tavelle.Tavelle"
 HEADER = 47  # the height of the header bar, below which the content is
 WHEEL_UP, WHEEL_DOWN = 4, 5
 
