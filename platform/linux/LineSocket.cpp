@@ -14,7 +14,7 @@ namespace tavelle {
 namespace {
 
 // Far beyond what a settings window says at once, a prompt of megabytes included.
-constexpr std::size_t limit = 64U * 1024 * 1024;
+constexpr std::size_t limit = 64UL * 1024 * 1024;
 
 bool hasToWait(int error) {
   return error == EAGAIN || error == EWOULDBLOCK || error == EINTR;
@@ -31,7 +31,7 @@ LineSocket::LineSocket(FileDescriptor socket, Handlers handlers)
 
 // One piece at a time: the rest of the main loop has its turn in between.
 void LineSocket::read() {
-  std::array<char, 64 * 1024> piece;  // NOLINT(cppcoreguidelines-pro-type-member-init): recv fills it
+  std::array<char, 64UL * 1024> piece;  // NOLINT(cppcoreguidelines-pro-type-member-init): recv fills it
   const auto count = recv(socket_.get(), piece.data(), piece.size(), MSG_DONTWAIT);
   if (count < 0 && hasToWait(errno)) return;
   if (count < 0) return lose(std::strerror(errno));

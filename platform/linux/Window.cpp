@@ -75,7 +75,9 @@ void LinuxWindow::hear(const view::Event& event) {
 }
 
 void LinuxWindow::hear(const Presented& presented) {
-  if (presented.number == presents_) unanswered_.clear();
+  if (presented.number != presents_) return;
+  unanswered_.clear();
+  rested_.clear();  // it may have been closed just before the request came to it
 }
 
 void LinuxWindow::hear(const Closed& closed) {

@@ -23,8 +23,8 @@ WindowPlace middleOfScreen(GdkSurface* surface) {
   GdkRectangle screen{};
   if (monitor) gdk_monitor_get_geometry(monitor, &screen);
   const double scale = gdk_surface_get_scale_factor(surface);
-  return {(screen.x + (screen.width - gdk_surface_get_width(surface)) / 2) * scale,
-          (screen.y + (screen.height - gdk_surface_get_height(surface)) / 2) * scale};
+  return {(screen.x + (screen.width - gdk_surface_get_width(surface)) / 2.0) * scale,
+          (screen.y + (screen.height - gdk_surface_get_height(surface)) / 2.0) * scale};
 }
 
 }  // namespace

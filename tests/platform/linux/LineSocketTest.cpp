@@ -41,7 +41,7 @@ class LineSocketTest : public testing::Test {
 
   // What has come to the other side so far.
   std::string hear() const {
-    std::string heard(1024 * 1024, '\0');
+    std::string heard(1024UL * 1024, '\0');
     const auto count = recv(peer.get(), heard.data(), heard.size(), MSG_DONTWAIT);
     heard.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
     return heard;
@@ -76,7 +76,8 @@ TEST_F(LineSocketTest, keepsWhatTheOtherSideDoesNotTakeYet) {
 }
 
 TEST_F(LineSocketTest, givesUpASideThatTakesNothingAnyMore) {
-  const std::string line = std::string(40'000'000, 'x') + '\n';
+  std::string line;
+  line.append(40'000'000, 'x').append("\n");
   socket->send(line);
   socket->send(line);
   EXPECT_THAT(losses, IsEmpty()) << "whoever sends still has the socket";

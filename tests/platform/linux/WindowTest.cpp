@@ -211,6 +211,18 @@ TEST_F(WindowTest, keepsItsRendererWhenItIsOpenedAgainSoon) {
   EXPECT_EQ(linesOf("started").size(), 1);
 }
 
+TEST_F(WindowTest, staysOpenWhenItWasClosedJustBeforeItWasOpenedAgain) {
+  drawnBy(
+      "case $line in *present*) printf '[\"closed\",{\"place\":null}]\\n[\"presented\",{\"number\":%s}]\\n' "
+      "$(number);; esac");
+  open(30s, 20ms);
+  bool isLater = false;
+  ASSERT_TRUE(waitForHeard(2));
+  actor.postAfter(100ms, [&] { isLater = true; });
+  ASSERT_TRUE(waitUntil([&] { return isLater; }));
+  EXPECT_TRUE(content->isDrawn);
+}
+
 TEST_F(WindowTest, stopsDrawingWhenItIsGone) {
   drawnBy(answers);
   open();
