@@ -62,11 +62,10 @@ Menu AppDelegate::menu() {
       if (const auto self = weak.lock()) std::invoke(action, *self);
     };
   };
-  const auto settings = platform_.canMakeWindows() ? calling(&AppDelegate::openSettings) : std::function<void()>{};
   return {
       {.title = "Reword Selection", .action = calling(&AppDelegate::rewordAction), .keyEquivalent = ""},
       MenuItem::separator(),
-      {.title = "Settings...", .action = settings, .keyEquivalent = ","},
+      {.title = "Settings...", .action = calling(&AppDelegate::openSettings), .keyEquivalent = ","},
       MenuItem::separator(),
       {.title = "Quit Tavelle", .action = calling(&AppDelegate::quitApp), .keyEquivalent = "q"},
   };
@@ -86,7 +85,7 @@ void AppDelegate::askForAccessibility() {
 
 // Started again by the person, who may see no menu bar: there is nothing else to come back to.
 void AppDelegate::applicationShouldHandleReopen() {
-  if (platform_.canMakeWindows()) openSettings();
+  openSettings();
 }
 
 void AppDelegate::openSettings() {

@@ -23,6 +23,11 @@ target_compile_options(tavelle_options INTERFACE
   # Symmetric transfer between coroutines needs the tail call in debug builds too, or a long loop of awaits grows the stack.
   -foptimize-sibling-calls)
 target_include_directories(tavelle_options INTERFACE ${PROJECT_SOURCE_DIR})
+# The program waits nearly all its life: what counts of its code is how much of it is in memory.
+target_compile_options(tavelle_options INTERFACE $<$<CONFIG:MinSizeRel>:-ffunction-sections -fdata-sections>)
+if(NOT APPLE)  # where the bundle says the same in its linker's words
+  target_link_options(tavelle_options INTERFACE $<$<CONFIG:MinSizeRel>:LINKER:--gc-sections>)
+endif()
 if(TAVELLE_SANITIZE)
   target_compile_options(tavelle_options INTERFACE -fsanitize=${TAVELLE_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(tavelle_options INTERFACE -fsanitize=${TAVELLE_SANITIZE})

@@ -43,8 +43,6 @@ class Platform {
   virtual std::unique_ptr<URLSession> makeURLSession(const URLSessionConfiguration& configuration) = 0;
   virtual std::unique_ptr<SerialExecutor> makeSerialExecutor() = 0;
 
-  // Whether there is anything to draw a window with. Linux: not yet.
-  virtual bool canMakeWindows() const = 0;
   virtual std::unique_ptr<Window> makeWindow(Rect contentRect, WindowStyleMask styleMask, BackingStoreType backing,
                                              bool defer) = 0;
 

@@ -14,7 +14,7 @@ target_sources(tavelle PRIVATE ${resources})
 set_source_files_properties(${resources} PROPERTIES MACOSX_PACKAGE_LOCATION Resources)
 
 # Nothing looks a symbol of the program up.
-target_link_options(tavelle PRIVATE -Wl,-dead_strip -Wl,-no_exported_symbols $<$<CONFIG:Release>:-Wl,-x>)
+target_link_options(tavelle PRIVATE -Wl,-dead_strip -Wl,-no_exported_symbols $<$<CONFIG:MinSizeRel>:-Wl,-x>)
 
 # Ad hoc: the bundle runs where it was built. packaging/macos/sign signs it for others.
 if(NOT TAVELLE_CODESIGN)

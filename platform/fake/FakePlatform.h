@@ -100,7 +100,6 @@ class FakePlatform : public Platform {
   URLSession& sharedURLSession() override { return sharedSession; }
   std::unique_ptr<URLSession> makeURLSession(const URLSessionConfiguration& configuration) override;
   std::unique_ptr<SerialExecutor> makeSerialExecutor() override { return std::make_unique<FakeSerialExecutor>(loop); }
-  bool canMakeWindows() const override { return hasWindows; }
   std::unique_ptr<Window> makeWindow(Rect contentRect, WindowStyleMask styleMask, BackingStoreType backing,
                                      bool defer) override;
 
@@ -120,7 +119,6 @@ class FakePlatform : public Platform {
   FakeURLSession::Exchange network;  // of the sessions that were made
   FakeURLSession::Exchange sharedNetwork;
   FakeURLSession sharedSession{sharedNetwork};
-  bool hasWindows = true;
   std::vector<FakeWindow*> windows;  // all that were made; their owner may have dropped them
 };
 

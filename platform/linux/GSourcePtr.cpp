@@ -23,11 +23,11 @@ GSourceFuncs functions = {nullptr, nullptr, FunctionSource::dispatch, FunctionSo
 
 }  // namespace
 
-GSourcePtr makeSource(const char* name, std::function<void()> dispatch, int fd) {
+GSourcePtr makeSource(const char* name, std::function<void()> dispatch, int fd, GIOCondition condition) {
   GSourcePtr source{g_source_new(&functions, sizeof(FunctionSource))};
   new (&FunctionSource::of(source.get())) std::function<void()>{std::move(dispatch)};
   g_source_set_static_name(source.get(), name);
-  if (fd >= 0) g_source_add_unix_fd(source.get(), fd, G_IO_IN);
+  if (fd >= 0) g_source_add_unix_fd(source.get(), fd, condition);
   g_source_attach(source.get(), nullptr);
   return source;
 }

@@ -1,9 +1,11 @@
 #include "platform/linux/LinuxPlatform.h"
 
 #include "platform/Start.h"
+#include "platform/UUID.h"
 #include "platform/linux/CommandLine.h"
 #include "platform/linux/LinkPrivacy.h"
 #include "platform/linux/SerialExecutor.h"
+#include "platform/linux/Window.h"
 
 #include <malloc.h>
 
@@ -82,6 +84,19 @@ std::unique_ptr<URLSession> LinuxPlatform::makeURLSession(const URLSessionConfig
 
 std::unique_ptr<SerialExecutor> LinuxPlatform::makeSerialExecutor() {
   return std::make_unique<LinuxSerialExecutor>();
+}
+
+std::unique_ptr<Window> LinuxPlatform::makeWindow(Rect contentRect, WindowStyleMask, BackingStoreType, bool) {
+  return std::make_unique<LinuxWindow>(
+      mainActor_, contentRect, LinuxWindow::Drawing{LinuxWindow::standardProgram()},
+      [this](const std::string& trouble, const std::string& cause) { tellTrouble(trouble, cause); });
+}
+
+// Of what the person asked for and does not see: it has no other place to be told.
+void LinuxPlatform::tellTrouble(const std::string& trouble, const std::string& cause) {
+  std::fprintf(stderr, "Tavelle: %s (%s)\n", trouble.c_str(), cause.c_str());
+  notificationCenter_.add({.identifier = UUID::random().uuidString(), .content = {.title = "Tavelle", .body = trouble}},
+                          [](bool) {});
 }
 
 std::variant<std::unique_ptr<Platform>, int> startPlatform(std::span<char*> arguments) {

@@ -17,6 +17,7 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <string>
 #include <variant>
 
 namespace tavelle {
@@ -46,12 +47,13 @@ class LinuxPlatform : public Platform {
   URLSession& sharedURLSession() override { return sharedURLSession_; }
   std::unique_ptr<URLSession> makeURLSession(const URLSessionConfiguration& configuration) override;
   std::unique_ptr<SerialExecutor> makeSerialExecutor() override;
-  bool canMakeWindows() const override { return false; }
-  std::unique_ptr<Window> makeWindow(Rect, WindowStyleMask, BackingStoreType, bool) override { return nullptr; }
+  std::unique_ptr<Window> makeWindow(Rect contentRect, WindowStyleMask styleMask, BackingStoreType backing,
+                                     bool defer) override;
 
  private:
   LinuxPlatform();
   bool openDesktop();
+  void tellTrouble(const std::string& trouble, const std::string& cause);
 
   GLibMainActor mainActor_;
   SessionBus bus_;

@@ -37,7 +37,6 @@ class MacPlatform : public Platform {
   std::unique_ptr<URLSession> makeURLSession(const URLSessionConfiguration& configuration) override;
   std::unique_ptr<SerialExecutor> makeSerialExecutor() override;
 
-  bool canMakeWindows() const override { return true; }
   std::unique_ptr<Window> makeWindow(Rect contentRect, WindowStyleMask styleMask, BackingStoreType backing,
                                      bool defer) override;
 

@@ -139,25 +139,5 @@ TEST_F(SettingsWindowTest, endsWithTheApplication) {
   EXPECT_EQ(SettingsManager::shared().profiles().at(0).name, "Rewordx");
 }
 
-class SettingsWithoutWindowsTest : public AppFixture {
- protected:
-  SettingsWithoutWindowsTest() {
-    platform.hasWindows = false;
-    launch();
-  }
-};
-
-TEST_F(SettingsWithoutWindowsTest, areGreyedInTheMenu) {
-  const auto& item = platform.statusBar.menu.at(2);
-  EXPECT_EQ(item.title, "Settings...");
-  EXPECT_FALSE(item.action);
-}
-
-TEST_F(SettingsWithoutWindowsTest, doNotOpenAtASecondStart) {
-  platform.log.take();
-  app->applicationShouldHandleReopen();
-  EXPECT_THAT(platform.log.take(), IsEmpty());
-}
-
 }  // namespace
 }  // namespace tavelle::tests

@@ -7,6 +7,7 @@ from tavelle_desktop.model import reworded
 from tavelle_desktop.processes import wait_for_end
 from tavelle_desktop.product import Tavelle
 from tavelle_desktop.session import Options
+from tavelle_desktop.settings_window import SettingsWindow
 from tavelle_desktop.waiting import wait_until
 
 NO_FILE_RIGHTS_FOR_ROOT = ["setpriv", "--bounding-set=-dac_override,-dac_read_search", "--inh-caps=-dac_override,-dac_read_search"]
@@ -128,13 +129,18 @@ class Settings(DesktopTest):
 
 
 class SecondStart(DesktopTest):
+    options = Options(accessibility=True)
+
     def test_there_is_never_a_second_instance(self):
         self.start_tavelle()
         app = self.scripted()
+        settings = SettingsWindow(self.desktop, self.tavelle)
         for number in range(1, 4):
             second = self.desktop.processes.start("second", program())
             self.assertEqual(wait_for_end(second, "the second one ends"), 0)
             self.assertTrue(self.tavelle.runs())
+            settings.wait_for().close()
+            self.desktop.screen.activate(app.window)
             self.press_and_wait()
             self.assertEqual(app.wait_for_paste(number), reworded(TEXT))
         self.assertEqual((len(self.model.requests), len(app.pasted)), (3, 3))

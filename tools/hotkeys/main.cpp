@@ -3,10 +3,10 @@
 //
 // Ends with 0 where all are free, 1 where some are held, 2 where it could not find out.
 
+#include "platform/linux/VirtualKeyCodes.h"
 #include "platform/linux/x11/Connection.h"
 #include "platform/linux/x11/HotKeyGrabs.h"
 #include "platform/linux/x11/Keyboard.h"
-#include "platform/linux/x11/VirtualKeyCodes.h"
 #include "tools/hotkeys/KeyCombination.h"
 
 #include <cstdio>
@@ -20,7 +20,7 @@ constexpr int notKnown = 2;
 
 // Grabs each for a moment: the server tells in no other way.
 bool isFree(tavelle::x11::HotKeyGrabs& grabs, const tavelle::KeyCombination& combination) {
-  const auto key = tavelle::x11::keycodeOf(combination.keyCode);
+  const auto key = tavelle::keycodeOf(combination.keyCode);
   return key && grabs.grab(*key, combination.modifiers) != nullptr;
 }
 

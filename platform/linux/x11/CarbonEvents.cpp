@@ -1,6 +1,6 @@
 #include "platform/linux/x11/CarbonEvents.h"
 
-#include "platform/linux/x11/VirtualKeyCodes.h"
+#include "platform/linux/VirtualKeyCodes.h"
 
 #include <algorithm>
 #include <cstring>

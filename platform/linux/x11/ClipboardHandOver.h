@@ -2,8 +2,8 @@
 
 #include "concurrency/MainActor.h"
 #include "observation/Subscription.h"
+#include "platform/linux/Deadline.h"
 #include "platform/linux/x11/Connection.h"
-#include "platform/linux/x11/Deadline.h"
 #include "platform/linux/x11/SelectionOwner.h"
 
 #include <chrono>

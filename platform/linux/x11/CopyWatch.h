@@ -2,9 +2,9 @@
 
 #include "concurrency/MainActor.h"
 #include "concurrency/Task.h"
+#include "platform/linux/Deadline.h"
 #include "platform/linux/x11/Arrival.h"
 #include "platform/linux/x11/Connection.h"
-#include "platform/linux/x11/Deadline.h"
 #include "platform/linux/x11/SelectionOwner.h"
 #include "platform/linux/x11/WindowPing.h"
 

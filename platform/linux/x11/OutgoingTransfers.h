@@ -2,9 +2,9 @@
 
 #include "concurrency/MainActor.h"
 #include "observation/Subscription.h"
+#include "platform/linux/Deadline.h"
 #include "platform/linux/x11/ClipboardContents.h"
 #include "platform/linux/x11/Connection.h"
-#include "platform/linux/x11/Deadline.h"
 
 #include <chrono>
 #include <map>

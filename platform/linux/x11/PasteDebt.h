@@ -1,9 +1,9 @@
 #pragma once
 
 #include "concurrency/MainActor.h"
+#include "platform/linux/Deadline.h"
 #include "platform/linux/x11/ClipboardContents.h"
 #include "platform/linux/x11/Connection.h"
-#include "platform/linux/x11/Deadline.h"
 
 #include <chrono>
 #include <memory>

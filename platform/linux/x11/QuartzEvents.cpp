@@ -1,7 +1,7 @@
 #include "platform/linux/x11/QuartzEvents.h"
 
+#include "platform/linux/VirtualKeyCodes.h"
 #include "platform/linux/x11/FocusWindow.h"
-#include "platform/linux/x11/VirtualKeyCodes.h"
 
 // xkb.h names a field `explicit`.
 #define explicit explicit_

@@ -4,9 +4,9 @@
 #include "concurrency/Task.h"
 #include "observation/Subscription.h"
 #include "platform/Data.h"
+#include "platform/linux/Deadline.h"
 #include "platform/linux/x11/Arrival.h"
 #include "platform/linux/x11/Connection.h"
-#include "platform/linux/x11/Deadline.h"
 
 #include <chrono>
 #include <cstdint>

@@ -84,6 +84,10 @@ restore-session=false
 spellcheck=false
 """
 
+DARK = """[org/gnome/desktop/interface]
+color-scheme='prefer-dark'
+"""
+
 
 def bus(folder):
     return BUS.format(folder=folder)
@@ -104,8 +108,8 @@ def write_dunst(config):
     return _write(config / "dunst/dunstrc", DUNST)
 
 
-def write_application_settings(config):
-    _write(config / "glib-2.0/settings/keyfile", APPLICATION_SETTINGS)
+def write_application_settings(config, dark):
+    _write(config / "glib-2.0/settings/keyfile", APPLICATION_SETTINGS + (DARK if dark else ""))
 
 
 def _write(path, content):

@@ -92,6 +92,10 @@ class Screen:
         corner = self._root.translate_coords(window, 0, 0)
         return Rectangle(corner.x, corner.y, geometry.width, geometry.height)
 
+    def pixels(self, window):
+        geometry = window.get_geometry()
+        return window.get_image(0, 0, geometry.width, geometry.height, X.ZPixmap, 0xFFFFFFFF).data
+
     def hotkey_is_taken(self, keycode, modifiers):
         """Whether another client holds the passive grab.
 

@@ -34,6 +34,8 @@ class Options:
     tray: bool = True
     physical_keyboard: bool = False  # a keyboard that is another device than the one synthetic keys come from
     clipboard_manager: str = ""  # or "xfsettingsd", "clipman"
+    accessibility: bool = False  # whether applications tell a screen reader what they show
+    dark: bool = False  # whether applications are asked to be dark
     screen: str = "1280x800"
 
 
@@ -226,7 +228,8 @@ class Desktop:
 
     def _clean_environment(self):
         config = self.home / ".config"
-        configuration.write_application_settings(config)
+        configuration.write_application_settings(config, self.options.dark)
+        silent = {} if self.options.accessibility else {"NO_AT_BRIDGE": "1", "GTK_A11Y": "none"}
         return {
             MARK: str(self.folder), "HOME": str(self.home), "USER": self._person, "LOGNAME": self._person, "SHELL": "/bin/sh",
             "PATH": "/usr/local/bin:/usr/bin:/bin", "LANG": "C.UTF-8", "XDG_RUNTIME_DIR": str(self.folder / "run"),
@@ -235,8 +238,8 @@ class Desktop:
             "XDG_CONFIG_DIRS": str(self.home / "none"), "XDG_DATA_DIRS": "/usr/local/share:/usr/share",
             "XDG_SESSION_TYPE": "x11", "XDG_CURRENT_DESKTOP": "XFCE", "GDK_BACKEND": "x11", "QT_QPA_PLATFORM": "xcb",
             "DBUS_SESSION_BUS_ADDRESS": f"unix:path={self.folder / 'run' / 'bus'}",
-            "GSETTINGS_BACKEND": "keyfile", "GIO_USE_VFS": "local", "NO_AT_BRIDGE": "1", "GTK_A11Y": "none",
-            "GSK_RENDERER": "cairo", "LIBGL_ALWAYS_SOFTWARE": "1",
+            "GSETTINGS_BACKEND": "keyfile", "GIO_USE_VFS": "local",
+            "GSK_RENDERER": "cairo", "LIBGL_ALWAYS_SOFTWARE": "1", **silent,
         }  # fmt: skip
 
 

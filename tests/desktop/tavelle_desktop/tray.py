@@ -5,6 +5,7 @@ from gi.repository import GLib
 from .waiting import TimedOut, wait_until
 
 FIRST = 0.0  # the uppermost entry of a menu
+MIDDLE = 0.5
 LAST = 1.0
 
 
@@ -36,7 +37,7 @@ class Tray:
         return wait_until(click, "the status item's menu", within=10)
 
     def choose(self, entry):
-        """Clicks an entry of the menu: FIRST or LAST."""
+        """Clicks an entry of the menu: FIRST, MIDDLE or LAST."""
         place = self.open_menu()
         half_entry = place.height / 8  # three entries, two separators, the frame
         y = place.y + half_entry + entry * (place.height - 2 * half_entry)

@@ -1,4 +1,4 @@
-#include "platform/linux/x11/VirtualKeyCodes.h"
+#include "platform/linux/VirtualKeyCodes.h"
 
 #include <gtest/gtest.h>
 #include <linux/input-event-codes.h>
@@ -85,6 +85,21 @@ TEST(VirtualKeyCodes, areEightMoreOnTheServer) {
 TEST(VirtualKeyCodes, nameNoServerKeyForTheFunctionKeyPastTheProtocol) {
   EXPECT_EQ(evdevCodeOf(63), KEY_FN);
   EXPECT_FALSE(keycodeOf(63));
+}
+
+TEST(VirtualKeyCodes, areFoundByTheServersNumberOfTheirKey) {
+  for (std::uint32_t code = 0; code < 0x80; ++code) {
+    if (const auto keycode = keycodeOf(code)) {
+      EXPECT_EQ(virtualKeyCodeOf(*keycode), code);
+    }
+  }
+}
+
+TEST(VirtualKeyCodes, areNotThereForOtherKeysOfTheServer) {
+  EXPECT_FALSE(virtualKeyCodeOf(0));
+  EXPECT_FALSE(virtualKeyCodeOf(8));
+  EXPECT_FALSE(virtualKeyCodeOf(KEY_CALC + 8));
+  EXPECT_FALSE(virtualKeyCodeOf(0xFFFFFFFF));
 }
 
 }  // namespace

@@ -1,9 +1,9 @@
-#include "platform/linux/x11/Deadline.h"
+#include "platform/linux/Deadline.h"
 
 #include <optional>
 #include <utility>
 
-namespace tavelle::x11 {
+namespace tavelle {
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -46,4 +46,4 @@ void Deadline::wake(const std::shared_ptr<State>& state) {
   state->passed();
 }
 
-}  // namespace tavelle::x11
+}  // namespace tavelle

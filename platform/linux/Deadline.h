@@ -6,7 +6,7 @@
 #include <functional>
 #include <memory>
 
-namespace tavelle::x11 {
+namespace tavelle {
 
 // A moment that can be moved or dropped before it comes. However often it is moved, hardly ever more than one job waits
 // at the main actor for it, so that a limit which is put off with every piece of progress costs no wake-ups.
@@ -26,4 +26,4 @@ class Deadline {
   std::shared_ptr<State> state_;
 };
 
-}  // namespace tavelle::x11
+}  // namespace tavelle

@@ -1,10 +1,11 @@
-#include "platform/linux/x11/VirtualKeyCodes.h"
+#include "platform/linux/VirtualKeyCodes.h"
 
 #include <linux/input-event-codes.h>
 
+#include <algorithm>
 #include <array>
 
-namespace tavelle::x11 {
+namespace tavelle {
 namespace {
 
 constexpr std::uint16_t none = 0;  // KEY_RESERVED: no key of that code
@@ -67,10 +68,16 @@ std::optional<std::uint16_t> evdevCodeOf(std::uint32_t virtualKeyCode) {
   return codes[virtualKeyCode];
 }
 
-std::optional<xcb_keycode_t> keycodeOf(std::uint32_t virtualKeyCode) {
+std::optional<std::uint8_t> keycodeOf(std::uint32_t virtualKeyCode) {
   const auto code = evdevCodeOf(virtualKeyCode);
   if (!code || *code + offset > 255) return std::nullopt;
-  return static_cast<xcb_keycode_t>(*code + offset);
+  return static_cast<std::uint8_t>(*code + offset);
 }
 
-}  // namespace tavelle::x11
+std::optional<std::uint16_t> virtualKeyCodeOf(std::uint32_t keycode) {
+  const auto* const found = std::find(codes.begin(), codes.end(), keycode - offset);
+  if (keycode <= offset || found == codes.end()) return std::nullopt;
+  return static_cast<std::uint16_t>(found - codes.begin());
+}
+
+}  // namespace tavelle

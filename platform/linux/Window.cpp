@@ -1,0 +1,88 @@
+#include "platform/linux/Window.h"
+
+#include "view/wire/BatchLine.h"
+
+#include <utility>
+#include <variant>
+
+namespace tavelle {
+
+LinuxWindow::LinuxWindow(MainActor& actor, Rect contentRect, Drawing drawing, Tell tell)
+    : contentRect_(contentRect),
+      drawing_(std::move(drawing)),
+      tell_(std::move(tell)),
+      unanswered_(actor, [this] { giveUp("The settings window did not answer. Open it again.", "no answer in time"); }),
+      rested_(actor, [this] { endRenderer(); }) {}
+
+LinuxWindow::~LinuxWindow() {
+  endRenderer();
+}
+
+std::filesystem::path LinuxWindow::standardProgram() {
+  std::error_code error;
+  return std::filesystem::read_symlink("/proc/self/exe", error).parent_path() / "tavelle-settings";
+}
+
+void LinuxWindow::setContentView(std::shared_ptr<view::Content> content) {
+  endRenderer();
+  content_ = std::move(content);
+}
+
+void LinuxWindow::makeKeyAndOrderFront() {
+  rested_.clear();
+  if (!renderer_ && !startRenderer()) return;
+  renderer_->send(encodeLine(Present{++presents_, title_, contentRect_.width, contentRect_.height, place_}));
+  unanswered_.set(drawing_.patience);
+}
+
+bool LinuxWindow::startRenderer() {
+  try {
+    renderer_ = std::make_unique<RendererProcess>(
+        drawing_.program, LineSocket::Handlers{[this](const std::string& line) { receive(line); },
+                                               [this](const std::string& why) {
+                                                 giveUp("The settings window has ended. Open it again.", why);
+                                               }});
+  } catch (const RendererProcess::CannotStart& error) {
+    tell_("The settings window could not be opened.", error.what());
+    return false;
+  }
+  if (content_) content_->attach(this);
+  return true;
+}
+
+void LinuxWindow::endRenderer() {
+  unanswered_.clear();
+  rested_.clear();
+  if (content_ && renderer_) content_->attach(nullptr);
+  renderer_.reset();
+}
+
+void LinuxWindow::giveUp(const std::string& trouble, const std::string& cause) {
+  endRenderer();
+  tell_(trouble, cause);
+}
+
+void LinuxWindow::apply(const view::Batch& batch) {
+  renderer_->send(view::encodeBatch(batch));
+}
+
+void LinuxWindow::receive(const std::string& line) {
+  std::visit([this](const auto& report) { hear(report); }, decodeReport(line));
+}
+
+void LinuxWindow::hear(const view::Event& event) {
+  if (content_) content_->dispatch(event);
+}
+
+void LinuxWindow::hear(const Presented& presented) {
+  if (presented.number != presents_) return;
+  unanswered_.clear();
+  rested_.clear();  // it may have been closed just before the request came to it
+}
+
+void LinuxWindow::hear(const Closed& closed) {
+  place_ = closed.place;
+  rested_.set(drawing_.restAfterClosing);
+}
+
+}  // namespace tavelle

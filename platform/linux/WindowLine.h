@@ -1,0 +1,58 @@
+#pragma once
+
+#include "view/Event.h"
+#include "view/HostOperation.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+
+namespace tavelle {
+
+// What the process that owns a window and the one that draws it say to each other, a line each. Lines of the content
+// are objects (view/wire); those of the window itself are arrays of a name and what there is to say:
+//
+//   ["present",{"number":1,"title":"Settings","width":480,"height":500,"place":null}]
+//   ["presented",{"number":1}]
+//   ["closed",{"place":{"x":12,"y":34}}]
+
+// Of a window's upper left corner, in pixels of the screen. Unknown on desktops that do not tell.
+struct WindowPlace {
+  double x;
+  double y;
+  bool operator==(const WindowPlace&) const = default;
+};
+
+// Show the window, above the others and with the keyboard: there, or in the middle of the screen.
+struct Present {
+  std::uint64_t number;
+  std::string title;
+  double width;  // of the content, in points
+  double height;
+  std::optional<WindowPlace> place;
+  bool operator==(const Present&) const = default;
+};
+
+// It is drawn, for the request of that number.
+struct Presented {
+  std::uint64_t number;
+  bool operator==(const Presented&) const = default;
+};
+
+// The person has closed it, and it is hidden.
+struct Closed {
+  std::optional<WindowPlace> place;
+  bool operator==(const Closed&) const = default;
+};
+
+std::string encodeLine(const Present& present);
+std::string encodeLine(const Presented& presented);
+std::string encodeLine(const Closed& closed);
+
+// What a renderer hears, and what it says. Each throws view::WireError for anything else.
+std::variant<view::Batch, Present> decodeOrder(std::string_view line);
+std::variant<view::Event, Presented, Closed> decodeReport(std::string_view line);
+
+}  // namespace tavelle

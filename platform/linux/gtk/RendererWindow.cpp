@@ -1,0 +1,90 @@
+#include "platform/linux/gtk/RendererWindow.h"
+
+#include "platform/linux/gtk/X11Place.h"
+#include "view/wire/EventLine.h"
+
+#include <string_view>
+#include <utility>
+#include <variant>
+
+namespace tavelle::gtk {
+namespace {
+
+// On the side where the desktop has it.
+std::string onlyCloseButton() {
+  char* layout = nullptr;
+  g_object_get(gtk_settings_get_default(), "gtk-decoration-layout", &layout, nullptr);
+  const GPtr<> owner{layout};
+  const std::string_view sides = layout ? layout : "";
+  return sides.find("close") < sides.find(':') ? "close:" : ":close";
+}
+
+}  // namespace
+
+// The monitors come last of the window's controllers: the newest is asked first.
+RendererWindow::RendererWindow(Send send)
+    : send_(std::move(send)),
+      monitors_((addShortcuts(), GTK_WIDGET(window_))),
+      renderer_(
+          {headerBar_, monitors_}, [this](GtkWidget* root) { adw_bin_set_child(content_, root); },
+          [this](const view::Event& event) { send_(view::encodeEvent(event)); }) {
+  gtk_window_set_resizable(window_, false);
+  adw_header_bar_set_decoration_layout(headerBar_, onlyCloseButton().c_str());
+  gtk_window_set_icon_name(window_, "app.tavelle.Tavelle");
+  gtk_box_append(box_, GTK_WIDGET(headerBar_));
+  gtk_box_append(box_, GTK_WIDGET(content_));
+  adw_window_set_content(ADW_WINDOW(window_), GTK_WIDGET(box_));
+  g_signal_connect(window_, "close-request", G_CALLBACK(onCloseRequest), this);
+}
+
+RendererWindow::~RendererWindow() {
+  g_signal_handlers_disconnect_by_data(window_, this);
+}
+
+void RendererWindow::receive(const std::string& line) {
+  std::visit([this](const auto& order) { perform(order); }, decodeOrder(line));
+}
+
+void RendererWindow::perform(const Present& present) {
+  gtk_window_set_title(window_, present.title.c_str());
+  gtk_widget_set_size_request(GTK_WIDGET(content_), static_cast<int>(present.width), static_cast<int>(present.height));
+  if (gtk_widget_get_mapped(GTK_WIDGET(window_))) {
+    gtk_window_present(window_);
+    return send_(encodeLine(Presented{present.number}));
+  }
+  presenting_ = present;
+  gtk_window_present(window_);
+  g_signal_connect(gtk_widget_get_frame_clock(GTK_WIDGET(window_)), "after-paint", G_CALLBACK(onPainted), this);
+}
+
+void RendererWindow::onPainted(GdkFrameClock* clock, gpointer self) {
+  g_signal_handlers_disconnect_by_data(clock, self);
+  static_cast<RendererWindow*>(self)->painted();
+}
+
+// Only now it is known how large it is, with the shadow that some desktops have it draw.
+void RendererWindow::painted() {
+  moveTo(window_, presenting_.place);
+  send_(encodeLine(Presented{presenting_.number}));
+}
+
+gboolean RendererWindow::onCloseRequest(GtkWindow*, gpointer self) {
+  static_cast<RendererWindow*>(self)->close();
+  return true;
+}
+
+void RendererWindow::close() {
+  const Closed closed{placeOf(window_)};
+  gtk_widget_set_visible(GTK_WIDGET(window_), false);
+  send_(encodeLine(closed));
+}
+
+void RendererWindow::addShortcuts() {
+  auto* const controller = gtk_shortcut_controller_new();
+  gtk_shortcut_controller_add_shortcut(
+      GTK_SHORTCUT_CONTROLLER(controller),
+      gtk_shortcut_new(gtk_keyval_trigger_new(GDK_KEY_w, GDK_CONTROL_MASK), gtk_named_action_new("window.close")));
+  gtk_widget_add_controller(GTK_WIDGET(window_), controller);
+}
+
+}  // namespace tavelle::gtk

@@ -1,0 +1,201 @@
+"""The settings window as a person uses it: found by what a screen reader reads, changed by clicks and key presses."""
+
+from gi.repository import GLib
+
+from . import accessibility
+from .waiting import wait_until
+
+WINDOW_CLASS = "(?i)app.tavelle.Tavelle"
+HEADER = 47  # the height of the header bar, below which the content is
+WHEEL_UP, WHEEL_DOWN = 4, 5
+
+
+class SettingsWindow:
+    def __init__(self, desktop, tavelle):
+        self._desktop = desktop
+        self._tavelle = tavelle
+        self.window = None
+
+    def open(self):
+        """Starts Tavelle once more, which opens the window of the one that runs."""
+        self._desktop.processes.start("second-start", self._tavelle.program)
+        return self.wait_for()
+
+    def wait_for(self):
+        self.window = self._desktop.screen.wait_for_window(WINDOW_CLASS)
+        accessibility.join(self._desktop)
+        self._until(lambda: self._frame().find("page tab", "General"), lambda: "the settings window can be read")
+        self._desktop.screen.activate(self.window)
+        return self
+
+    def close(self):
+        self._desktop.keyboard.chord("Control", "W")
+        self.wait_for_closed()
+
+    def wait_for_closed(self):
+        wait_until(lambda: not self.is_open(), "the settings window is closed")
+
+    def is_open(self):
+        return self._desktop.screen.window_of_class(WINDOW_CLASS) is not None
+
+    def renderer(self):
+        """The process that draws it, or none."""
+        for pid in self._desktop.processes.marked():
+            try:
+                with open(f"/proc/{pid}/comm", encoding="ascii") as name:
+                    if name.read().startswith("tavelle-setting"):  # the kernel keeps fifteen letters
+                        return pid
+            except OSError:
+                continue  # it has ended
+        return None
+
+    @property
+    def place(self):
+        return self._desktop.screen.place(self.window)
+
+    # What it shows.
+
+    def element(self, role, name=None):
+        return self._until(lambda: self._frame().find(role, name), lambda: f"a {role} {name!r}; shown are {self.shown()}")
+
+    def shows(self, role, name):
+        try:
+            return self._frame().find(role, name) is not None
+        except GLib.Error:
+            return False  # it changed while it was read
+
+    def wait_until_shown(self, role, name):
+        self.element(role, name)
+        return self
+
+    def shown(self):
+        return [(one.role, one.name) for one in self._frame().all() if one.name and one.role not in ("filler", "panel")]
+
+    def text(self, name):
+        return self.element("text", name).text
+
+    def wait_for_text(self, name, text):
+        wait_until(lambda: self.text(name) == text, lambda: f"{name!r} holds {text!r}; it holds {self.text(name)!r}")
+
+    def wait_for_label(self, accept, what):
+        return self._until(lambda: next((one.name for one in self._frame().all() if one.role == "label" and accept(one.name)), None),
+                           lambda: f"{what}; shown are {self.shown()}")  # fmt: skip
+
+    def wait_until_still(self):
+        """Nothing in it moves or fades any more."""
+        seen = []
+
+        def is_still():
+            seen.append(self._desktop.screen.pixels(self.window))
+            return len(seen) > 1 and seen[-1] == seen[-2]
+
+        wait_until(is_still, "the settings window is still", every=0.3)
+
+    def picture(self, path):
+        self._desktop.processes.run("import", "-display", self._desktop.display_name, "-window", self.window.id, path, within=20)
+
+    # What a person does.
+
+    def focused(self):
+        """The roles and names of what has the keyboard."""
+        try:
+            return [(one.role, one.name) for one in self._frame().all() if one.is_("focused")]
+        except GLib.Error:
+            return []  # it changed while it was read
+
+    def content_place(self):
+        """What is below the header bar."""
+        return next(one.place for one in self._frame().all() if one.role == "filler" and one.place.y == HEADER)
+
+    def choose_tab(self, name):
+        self.element("page tab", name).press()
+        self._until(lambda: self.element("page tab", name).is_("selected"), lambda: f"the tab {name!r}")
+
+    def press(self, name):
+        self.element("push button", name).press()
+
+    def click(self, role, name):
+        element = self.element(role, name)
+        self._scroll_to(element)
+        place, frame = self._settled_place(element), self._frame_place()
+        self._desktop.pointer.click(self._left(frame) + place.x + place.width / 3, self._top(frame) + self._middle(place))
+
+    def type_into(self, name, text):
+        """Puts another text into a field, key by key."""
+        self.select_all(name)
+        self._desktop.keyboard.type(text)
+        self.wait_for_text(name, text)
+
+    def select_all(self, name):
+        """A field that takes the keyboard may put its cursor somewhere yet."""
+        self.click("text", name)
+
+        def is_selected():
+            self._desktop.keyboard.chord("Control", "A")
+            return self.element("text", name).is_all_selected
+
+        wait_until(is_selected, lambda: f"all of {name!r} is selected", every=0.1)
+
+    def choose_last(self, name, option):
+        """Opens a picker and takes the last of its options, which is this one."""
+        self.click("combo box", name)
+        self.wait_for_label(lambda text: text == option, f"the option {option!r}")
+        for key in ("End", "Return"):
+            self._desktop.keyboard.chord(key)
+
+    def _scroll_to(self, element):
+        """By the wheel, until the middle of it is in sight."""
+        frame = self._frame_place()
+
+        def is_in_sight():
+            middle = self._middle(element.place)
+            if HEADER + 10 < middle < frame.height - 10:
+                return True
+            wheel = WHEEL_DOWN if middle > HEADER + 10 else WHEEL_UP
+            self._desktop.pointer.click(self._left(frame) + 8, self._top(frame) + frame.height / 2, wheel)
+            return False
+
+        wait_until(is_in_sight, lambda: f"{element.name!r} is in sight", every=0.1)
+
+    @staticmethod
+    def _settled_place(element):
+        """Where it is once the window has laid out what has changed before."""
+        seen = []
+
+        def is_settled():
+            place = element.place
+            seen.append((place.x, place.y, place.width, place.height))
+            return place if seen[-2:] == [seen[-1]] * 2 and place.width else None
+
+        return wait_until(is_settled, lambda: f"{element.name!r} stays in its place", every=0.1)
+
+    @staticmethod
+    def _middle(place):
+        return place.y + min(place.height, 40) / 2
+
+    def _left(self, frame):
+        """A border and a shadow of its own surround what the window tells of itself."""
+        return self.place.x + (self.place.width - frame.width) / 2
+
+    def _top(self, frame):
+        return self.place.y + (self.place.height - frame.height) / 2
+
+    def _frame_place(self):
+        return self._frame().place
+
+    def _frame(self):
+        for application in accessibility.applications():
+            frame = application.find("frame", "Tavelle Settings")
+            if frame:
+                return frame
+        raise GLib.Error("there is no settings window")
+
+    @staticmethod
+    def _until(ask, what):
+        def answer():
+            try:
+                return ask()
+            except GLib.Error:
+                return None  # it changed while it was read
+
+        return wait_until(answer, what, within=15)
