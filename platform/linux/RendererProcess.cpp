@@ -1,9 +1,11 @@
 #include "platform/linux/RendererProcess.h"
 
+#include <sys/prctl.h>
 #include <sys/socket.h>
 
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <utility>
 
@@ -11,6 +13,11 @@ namespace tavelle {
 namespace {
 
 constexpr int inheritedDescriptor = 3;
+
+// One that is frozen does not notice that the socket has ended, and must not outlive the program either.
+void endWithParent(gpointer) {
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
+}
 
 }  // namespace
 
@@ -21,6 +28,7 @@ RendererProcess::RendererProcess(const std::filesystem::path& program, LineSocke
 
   const GObjectPtr<GSubprocessLauncher> launcher{g_subprocess_launcher_new(G_SUBPROCESS_FLAGS_NONE)};
   g_subprocess_launcher_take_fd(launcher.get(), ends[1], inheritedDescriptor);
+  g_subprocess_launcher_set_child_setup(launcher.get(), endWithParent, nullptr, nullptr);
   // A small window of plain widgets is drawn sooner, and in less memory, without the graphics card.
   g_subprocess_launcher_setenv(launcher.get(), "GSK_RENDERER", "cairo", false);
   GErrorPtr error;
