@@ -14,7 +14,7 @@ class MacKeystrokes : public MacFixture {
   // A run on an empty selection, which copies and pastes nothing.
   void reword() {
     app->performReword(SettingsManager::shared().profiles().front().id);
-    platform.loop.runUntilIdle();
+    platform.loop.runToEnd();
   }
 
   Platform::Use use{platform};
