@@ -151,6 +151,7 @@ class SecondStart(DesktopTest):
         wait_until(lambda: sum(process.poll() is None for process in pair) == 1, "one of them has ended", within=15)
         self.tavelle.process = next(process for process in pair if process.poll() is None)
         self.tavelle.wait_ready()
+        SettingsWindow(self.desktop, self.tavelle).wait_for().close()  # the one that ended asked the other for it
         app = self.scripted()
         self.press_and_wait()
         self.assertEqual(app.wait_for_paste(), reworded(TEXT))
