@@ -5,27 +5,32 @@
 namespace tavelle {
 
 LinuxSerialExecutor::~LinuxSerialExecutor() {
+  {
+    const std::lock_guard lock{mutex_};
+    isEnding_ = true;
+  }
+  hasNews_.notify_one();
   if (thread_.joinable()) thread_.join();
 }
 
 void LinuxSerialExecutor::post(std::function<void()> job) {
-  const std::lock_guard lock{mutex_};
-  jobs_.push_back(std::move(job));
-  if (std::exchange(isRunning_, true)) return;
-  if (thread_.joinable()) thread_.join();  // it has found no job and is about to end: it takes no lock any more
-  thread_ = std::thread{[this] { runJobs(); }};
+  {
+    const std::lock_guard lock{mutex_};
+    if (!thread_.joinable()) thread_ = std::thread{[this] { runJobs(); }};
+    jobs_.push_back(std::move(job));
+  }
+  hasNews_.notify_one();
 }
 
 void LinuxSerialExecutor::runJobs() {
   while (const auto job = nextJob()) job();
 }
 
+// None once the executor ends and all jobs are done.
 std::function<void()> LinuxSerialExecutor::nextJob() {
-  const std::lock_guard lock{mutex_};
-  if (jobs_.empty()) {
-    isRunning_ = false;
-    return nullptr;
-  }
+  std::unique_lock lock{mutex_};
+  hasNews_.wait(lock, [this] { return isEnding_ || !jobs_.empty(); });
+  if (jobs_.empty()) return nullptr;
   auto job = std::move(jobs_.front());
   jobs_.pop_front();
   return job;

@@ -2,14 +2,17 @@
 
 #include "concurrency/SerialExecutor.h"
 
+#include <condition_variable>
 #include <deque>
+#include <functional>
 #include <mutex>
 #include <thread>
 
 namespace tavelle {
 
-// A serial executor on a thread of its own, which is there only while there are jobs: an idle program has none, and a
-// run has a few bursts of jobs. The destructor waits for the jobs that were posted.
+// A serial executor on a thread of its own, which starts with the first job and then waits for the next: a run has a few
+// bursts of jobs, and a thread for each would cost more than the jobs do. `post` throws std::system_error where there
+// can be no thread; the job is then forgotten. The destructor waits for the jobs that were posted.
 class LinuxSerialExecutor : public SerialExecutor {
  public:
   LinuxSerialExecutor() = default;
@@ -25,7 +28,8 @@ class LinuxSerialExecutor : public SerialExecutor {
 
   std::mutex mutex_;  // guards the rest
   std::deque<std::function<void()>> jobs_;
-  bool isRunning_ = false;  // whether the thread will look for another job
+  bool isEnding_ = false;
+  std::condition_variable hasNews_;
   std::thread thread_;
 };
 
