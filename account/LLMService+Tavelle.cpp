@@ -5,6 +5,8 @@
 #include "llm/Trimming.h"
 #include "platform/Platform.h"
 
+#include <utility>
+
 namespace tavelle {
 
 std::unique_ptr<LLMService> LLMService::makeShared() {
@@ -22,8 +24,8 @@ Task<std::string> LLMService::callTavelle(std::string text, std::string systemPr
   URLHeaders headers{{"Authorization", "Bearer " + *token}};
 
   JSON body = {
-      {"text", text},
-      {"systemPrompt", systemPrompt},
+      {"text", std::move(text)},
+      {"systemPrompt", std::move(systemPrompt)},
       {"temperature", temperature},
   };
   const HTTPAnswer answer =

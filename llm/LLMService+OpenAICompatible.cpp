@@ -2,6 +2,8 @@
 #include "llm/LLMService.h"
 #include "llm/Trimming.h"
 
+#include <utility>
+
 namespace tavelle {
 
 // The chat-completions format: OpenAI, a local Ollama server, and any endpoint that speaks it. Without a key there is
@@ -12,9 +14,10 @@ Task<std::string> LLMService::callOpenAICompatible(std::string text, std::string
   if (!apiKey.empty()) headers.emplace_back("Authorization", "Bearer " + apiKey);
 
   JSON body = {
-      {"model", model},
+      {"model", std::move(model)},
       {"temperature", temperature},
-      {"messages", {{{"role", "system"}, {"content", systemPrompt}}, {{"role", "user"}, {"content", text}}}},
+      {"messages",
+       {{{"role", "system"}, {"content", std::move(systemPrompt)}}, {{"role", "user"}, {"content", std::move(text)}}}},
   };
   const JSON answer = co_await post(baseURL + "/chat/completions", std::move(headers), std::move(body));
 

@@ -1,12 +1,14 @@
 #include "settings/RewriteProfile.h"
 
+#include "platform/JSONText.h"
+#include "platform/UTF8.h"
+
 #include <limits>
 #include <optional>
+#include <string>
 
 namespace tavelle {
 namespace {
-
-using OrderedJSON = nlohmann::ordered_json;
 
 [[noreturn]] void refuse(const char* key) {
   throw JSONError{std::string{"The stored profile has no valid \""} + key + "\"."};
@@ -52,22 +54,31 @@ RewriteProfile profileOf(const JSON& object) {
   return profile;
 }
 
+void append(Data& json, const char* opening, const std::string& text) {
+  if (!isUTF8(text)) throw JSONError{"A profile's text is not valid Unicode."};
+  json += opening;
+  appendJSONString(json, text);
+}
+
+void append(Data& json, const char* opening, std::uint32_t number) {
+  json.append(opening).append(std::to_string(number));
+}
+
 }  // namespace
 
+// Written without a tree of values in between: it is done at every key stroke in a profile's field.
 Data encodeProfiles(const std::vector<RewriteProfile>& profiles) {
-  auto array = OrderedJSON::array();
+  Data json;
   for (const auto& profile : profiles) {
-    array.push_back({{"id", profile.id.uuidString()},
-                     {"name", profile.name},
-                     {"keyCode", profile.keyCode},
-                     {"modifiers", profile.modifiers},
-                     {"systemPrompt", profile.systemPrompt}});
+    append(json, json.empty() ? R"([{"id":)" : R"(,{"id":)", profile.id.uuidString());
+    append(json, R"(,"name":)", profile.name);
+    append(json, R"(,"keyCode":)", profile.keyCode);
+    append(json, R"(,"modifiers":)", profile.modifiers);
+    append(json, R"(,"systemPrompt":)", profile.systemPrompt);
+    json += '}';
   }
-  try {
-    return array.dump();
-  } catch (const OrderedJSON::type_error&) {
-    throw JSONError{"A profile's text is not valid Unicode."};
-  }
+  json += json.empty() ? "[]" : "]";
+  return json;
 }
 
 std::vector<RewriteProfile> decodeProfiles(const Data& json) {

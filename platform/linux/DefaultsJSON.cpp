@@ -1,11 +1,11 @@
 #include "platform/linux/DefaultsJSON.h"
 
+#include "platform/JSONText.h"
 #include "platform/UTF8.h"
 #include "platform/linux/GObjectPtr.h"
 
 #include <glib.h>
 
-#include <algorithm>
 #include <limits>
 #include <utility>
 
@@ -70,50 +70,12 @@ std::string validUTF8(const std::string& text) {
   return valid.get();
 }
 
-bool needsEscape(char c) {
-  return static_cast<unsigned char>(c) < 0x20 || c == '"' || c == '\\';
-}
-
-void appendEscaped(std::string& out, char c) {
-  switch (c) {
-    case '"':
-      out += "\\\"";
-      return;
-    case '\\':
-      out += "\\\\";
-      return;
-    case '\n':
-      out += "\\n";
-      return;
-    case '\r':
-      out += "\\r";
-      return;
-    case '\t':
-      out += "\\t";
-      return;
-    default:
-      constexpr const char* digits = "0123456789abcdef";
-      out.append("\\u00").append({digits[c >> 4], digits[c & 0xF]});
-  }
-}
-
-void appendString(std::string& out, const std::string& text) {
-  out += '"';
-  for (auto at = text.begin(); at != text.end();) {
-    const auto plainEnd = std::find_if(at, text.end(), needsEscape);
-    out.append(at, plainEnd);
-    at = plainEnd;
-    if (at != text.end()) appendEscaped(out, *at++);
-  }
-  out += '"';
-}
-
 void appendLineBreak(std::string& out, std::size_t depth) {
   out.append("\n").append(2 * depth, ' ');
 }
 
 void append(std::string& out, const JSON& json, std::size_t depth) {
-  if (const auto* const text = json.get_ptr<const std::string*>()) return appendString(out, *text);
+  if (const auto* const text = json.get_ptr<const std::string*>()) return appendJSONString(out, *text);
   if (!json.is_structured() || json.empty()) {
     out += json.dump();
     return;
@@ -123,7 +85,7 @@ void append(std::string& out, const JSON& json, std::size_t depth) {
     if (member != json.begin()) out += ',';
     appendLineBreak(out, depth + 1);
     if (json.is_object()) {
-      appendString(out, member.key());
+      appendJSONString(out, member.key());
       out += ": ";
     }
     append(out, *member, depth + 1);
