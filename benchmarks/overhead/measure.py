@@ -93,6 +93,7 @@ class Bench:
         return event["t"]
 
     def _measure_idle(self, when):
+        self.desktop.processes.run("dunstctl", "close-all")  # or each one's end is told to the tool that sent it
         self._settle(LAST_DEADLINE)
         residents = {peer: peer.resident(self._left_behind()) for peer in self.peers}
         before = {peer: (wake_ups(pids), sum(map(processor_seconds, pids))) for peer, pids in residents.items()}
@@ -116,7 +117,7 @@ class Bench:
     def _settle(self, quiet=1.5):
         """What the last run or start left to do is done: nobody has used the processor for so many seconds."""
         def used():
-            return sum(processor_seconds(pid) for peer in self.peers for pid in peer.resident(self._left_behind()))
+            return sum(map(self._processor_seconds, self.peers))
 
         last = [used(), time.monotonic()]
 

@@ -1,5 +1,6 @@
 """The tools that are measured: the floor, Tavelle, and the shell pipeline. All run at once, each on its own hotkey."""
 
+import contextlib
 import json
 import os
 import shutil
@@ -9,7 +10,7 @@ from pathlib import Path
 
 from tavelle_desktop.waiting import wait_until
 
-from .usage import processor_seconds
+from .usage import children, processor_seconds
 
 KEYCODES = {"J": 44, "K": 45, "L": 46}  # X key codes
 
@@ -96,8 +97,21 @@ class Tavelle(Peer):
             self.desktop.processes.run("secret-tool", "store", "--label=Tavelle", "service", "app.tavelle.Tavelle",
                                        "account", "apiKey_custom", text="made-up key")  # fmt: skip
 
+    def start(self):
+        self._parts = {}  # processor seconds, by process: what a part of it used still counts once it has ended
+        return super().start()
+
     def command(self):
         return [self.program]
+
+    def resident(self, orphans):
+        return [self.process.pid, *children(self.process.pid)]
+
+    def processor_seconds(self, collected):
+        for pid in self.resident(()):
+            with contextlib.suppress(OSError):  # it has just ended
+                self._parts[pid] = processor_seconds(pid)
+        return sum(self._parts.values())
 
 
 class Pipeline(Peer):

@@ -13,9 +13,13 @@ def adopt_orphans():
         raise OSError(ctypes.get_errno(), "prctl")
 
 
-def children():
-    with open(f"/proc/self/task/{os.getpid()}/children", encoding="ascii") as listed:
-        return {int(pid) for pid in listed.read().split()}
+def children(parent=None):
+    """The processes that a process has started, this one unless it is said, and that have not been waited for."""
+    found = set()
+    for task in os.listdir(f"/proc/{parent or os.getpid()}/task"):
+        with open(f"/proc/{parent or os.getpid()}/task/{task}/children", encoding="ascii") as listed:
+            found |= {int(pid) for pid in listed.read().split()}
+    return found
 
 
 class Orphans:

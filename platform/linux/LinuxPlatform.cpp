@@ -79,7 +79,7 @@ UserDefaults& LinuxPlatform::standardUserDefaults() {
 }
 
 std::unique_ptr<URLSession> LinuxPlatform::makeURLSession(const URLSessionConfiguration& configuration) {
-  return std::make_unique<CurlURLSession>(configuration);
+  return std::make_unique<LinuxURLSession>(configuration, transfers_);
 }
 
 std::unique_ptr<SerialExecutor> LinuxPlatform::makeSerialExecutor() {

@@ -22,7 +22,7 @@
 
 namespace tavelle {
 
-// A Linux desktop: X11, the session bus, the Secret Service, libcurl.
+// A Linux desktop: X11, the session bus, the Secret Service, and the program that talks to servers.
 class LinuxPlatform : public Platform {
  public:
   // The platform, or the exit status of a process that has nothing more to do: where its command line only asks
@@ -64,7 +64,8 @@ class LinuxPlatform : public Platform {
   DBusNotificationCenter notificationCenter_{bus_};
   SecretServiceKeychain keychain_;
   std::optional<JSONUserDefaults> userDefaults_;  // read when first asked for: not in a second instance
-  CurlURLSession sharedURLSession_{URLSessionConfiguration{}};
+  std::shared_ptr<TransferProcess> transfers_ = std::make_shared<TransferProcess>();
+  LinuxURLSession sharedURLSession_{URLSessionConfiguration{}, transfers_};
   LinuxBundle bundle_{LinuxBundle::standardFolder()};
   Subscription desktopLost_;
 };

@@ -1,5 +1,7 @@
 #include "platform/linux/RendererProcess.h"
 
+#include "platform/linux/InheritedSocket.h"
+
 #include <sys/prctl.h>
 #include <sys/socket.h>
 
@@ -11,8 +13,6 @@
 
 namespace tavelle {
 namespace {
-
-constexpr int inheritedDescriptor = 3;
 
 // One that is frozen does not notice that the socket has ended, and must not outlive the program either.
 void endWithParent(gpointer) {

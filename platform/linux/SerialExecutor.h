@@ -10,9 +10,9 @@
 
 namespace tavelle {
 
-// A serial executor on a thread of its own, which starts with the first job and then waits for the next: a run has a few
-// bursts of jobs, and a thread for each would cost more than the jobs do. `post` throws std::system_error where there
-// can be no thread; the job is then forgotten. The destructor waits for the jobs that were posted.
+// A serial executor on a thread of its own, which starts with the first job and then waits for the next: a run has a
+// few bursts of jobs, and a thread for each would cost more than the jobs do. `post` throws std::system_error where
+// there can be no thread; the job is then forgotten. The destructor waits for the jobs that were posted.
 class LinuxSerialExecutor : public SerialExecutor {
  public:
   LinuxSerialExecutor() = default;

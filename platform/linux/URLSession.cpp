@@ -1,15 +1,14 @@
 #include "platform/linux/URLSession.h"
 
 #include "platform/TransferReply.h"
-#include "platform/linux/CurlErrors.h"
-#include "platform/linux/Transfer.h"
-#include "platform/linux/TransferLoop.h"
+#include "platform/linux/URLErrors.h"
 
 #include <algorithm>
+#include <map>
 #include <mutex>
+#include <optional>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 namespace tavelle {
 namespace {
@@ -56,76 +55,76 @@ std::optional<URLError> objection(const URLRequest& request) {
 }  // namespace
 
 // What the session and its tasks share. Callable from any thread.
-class CurlURLSession::State {
+class LinuxURLSession::State {
  public:
-  State(std::chrono::seconds longestSilence, std::string authorities)
-      : longestSilence_(longestSilence), authorities_(std::move(authorities)) {}
+  using ID = TransferProcess::ID;
+
+  State(std::chrono::seconds longestSilence, std::shared_ptr<TransferProcess> process, std::string authorities)
+      : longestSilence_(longestSilence), process_(std::move(process)), authorities_(std::move(authorities)) {}
 
   // Starts the request. `reply` is answered in any case, be it at once.
-  std::shared_ptr<Transfer> begin(URLRequest request, std::shared_ptr<TransferReply> reply) {
+  std::optional<ID> begin(URLRequest request, const std::shared_ptr<TransferReply>& reply) {
     if (auto error = objection(request)) {
       reply->deliver(std::move(*error));
-      return nullptr;
+      return std::nullopt;
     }
     const std::lock_guard lock{mutex_};
     if (hasEnded_) {
       reply->deliver(urlError(URLError::Code::cancelled));
-      return nullptr;
+      return std::nullopt;
     }
-    const auto limit = std::min(longestSilence_, request.timeoutInterval);
-    auto transfer = std::make_shared<Transfer>(std::move(request), limit, authorities_, std::move(reply));
-    if (!loop_) loop_ = TransferLoop::shared();
-    loop_->start(transfer);
-    inFlight_.push_back(transfer);
+    request.timeoutInterval = std::min(longestSilence_, request.timeoutInterval);
+    const auto transfer = process_->start(std::move(request), authorities_, reply);
+    inFlight_.emplace(transfer, reply);
     return transfer;
   }
 
   // The task is done with the transfer, or has been dropped with the transfer still `unfinished`.
-  void end(const std::shared_ptr<Transfer>& transfer, bool unfinished) {
+  void end(ID transfer, bool unfinished) {
     const std::lock_guard lock{mutex_};
-    if (std::erase(inFlight_, transfer) > 0 && unfinished) loop_->cancel(transfer);
+    if (inFlight_.erase(transfer) > 0 && unfinished) process_->cancel(transfer);
   }
 
   void endSession() {
-    std::shared_ptr<TransferLoop> loop;  // let go of after the lock: the last session waits for the transfer thread
     const std::lock_guard lock{mutex_};
     hasEnded_ = true;
-    for (const auto& transfer : std::exchange(inFlight_, {})) {
-      transfer->reply().deliver(urlError(URLError::Code::cancelled));
-      loop_->cancel(transfer);
+    for (const auto& [transfer, reply] : std::exchange(inFlight_, {})) {
+      reply->deliver(urlError(URLError::Code::cancelled));
+      process_->cancel(transfer);
     }
-    loop = std::move(loop_);
   }
 
  private:
   const std::chrono::seconds longestSilence_;
+  const std::shared_ptr<TransferProcess> process_;
   const std::string authorities_;
   std::mutex mutex_;
   bool hasEnded_ = false;
-  std::shared_ptr<TransferLoop> loop_;
-  std::vector<std::shared_ptr<Transfer>> inFlight_;
+  std::map<ID, std::shared_ptr<TransferReply>> inFlight_;
 };
 
-CurlURLSession::CurlURLSession(const URLSessionConfiguration& configuration, std::string authorities)
-    : state_(std::make_shared<State>(configuration.timeoutIntervalForRequest, std::move(authorities))) {}
+LinuxURLSession::LinuxURLSession(const URLSessionConfiguration& configuration, std::shared_ptr<TransferProcess> process,
+                                 std::string authorities)
+    : state_(std::make_shared<State>(configuration.timeoutIntervalForRequest, std::move(process),
+                                     std::move(authorities))) {}
 
-CurlURLSession::~CurlURLSession() {
+LinuxURLSession::~LinuxURLSession() {
   state_->endSession();
 }
 
-Task<URLResult> CurlURLSession::dataForRequest(URLRequest request, Executor& executor) {
+Task<URLResult> LinuxURLSession::dataForRequest(URLRequest request, Executor& executor) {
   return load(state_, std::move(request), &executor);
 }
 
-Task<URLResult> CurlURLSession::load(std::shared_ptr<State> state, URLRequest request, Executor* executor) {
+Task<URLResult> LinuxURLSession::load(std::shared_ptr<State> state, URLRequest request, Executor* executor) {
   // Lives in the coroutine's frame, so that dropping the task ends it too.
   struct Loading {
     std::shared_ptr<State> state;
     std::shared_ptr<TransferReply> reply;
-    std::shared_ptr<Transfer> transfer;
+    std::optional<State::ID> transfer;
     ~Loading() {
       const bool unfinished = reply->abandon();
-      if (transfer) state->end(transfer, unfinished);
+      if (transfer) state->end(*transfer, unfinished);
     }
   };
   const auto reply = std::make_shared<TransferReply>(*executor);

@@ -1,5 +1,6 @@
 #include "platform/linux/Window.h"
 
+#include "platform/linux/Programs.h"
 #include "view/wire/BatchLine.h"
 
 #include <utility>
@@ -19,8 +20,7 @@ LinuxWindow::~LinuxWindow() {
 }
 
 std::filesystem::path LinuxWindow::standardProgram() {
-  std::error_code error;
-  return std::filesystem::read_symlink("/proc/self/exe", error).parent_path() / "tavelle-settings";
+  return programBeside("tavelle-settings");
 }
 
 void LinuxWindow::setContentView(std::shared_ptr<view::Content> content) {

@@ -25,7 +25,8 @@ TEST(JSONText, everyCharacterIsWrittenAsTheLibraryWritesIt) {
     const std::string text{'a', static_cast<char>(code), 'b'};
     EXPECT_EQ(written(text), nlohmann::json(text).dump()) << code;
   }
-  for (const std::string text : {"", "é", "e\u0301", "\u2028", "👩‍👩‍👧‍👦", "\"\"", "\\", "\\\\\"", "\n"}) {
+  for (const std::string text :
+       {"", "é", "e\u0301", "\u2028", "👩‍👩‍👧‍👦", "\"\"", "\\", "\\\\\"", "\n"}) {
     EXPECT_EQ(written(text), nlohmann::json(text).dump()) << text;
   }
 }

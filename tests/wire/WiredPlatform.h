@@ -32,7 +32,7 @@ class WiredPlatform : public FakePlatform {
   class Session : public URLSession {
    public:
     Session(const WiredPlatform& platform, const URLSessionConfiguration& configuration)
-        : platform_(platform), session_(configuration) {}
+        : platform_(platform), session_(configuration, platform.transfers_) {}
 
     Task<URLResult> dataForRequest(URLRequest request, Executor& executor) override {
       const std::string& url = request.url.absoluteString();
@@ -44,9 +44,10 @@ class WiredPlatform : public FakePlatform {
 
    private:
     const WiredPlatform& platform_;
-    CurlURLSession session_;
+    LinuxURLSession session_;
   };
 
+  std::shared_ptr<TransferProcess> transfers_ = std::make_shared<TransferProcess>();
   Session sharedSession_{*this, URLSessionConfiguration{}};
 };
 

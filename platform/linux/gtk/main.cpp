@@ -1,21 +1,12 @@
+#include "platform/linux/InheritedSocket.h"
 #include "platform/linux/LineSocket.h"
 #include "platform/linux/gtk/RendererWindow.h"
 
-#include <sys/socket.h>
-#include <sys/stat.h>
-
 #include <cstdio>
 #include <memory>
+#include <utility>
 
 namespace {
-
-// The other end is with the process that owns the window.
-constexpr int inheritedDescriptor = 3;
-
-bool isJoined() {
-  struct stat status {};
-  return fstat(inheritedDescriptor, &status) == 0 && S_ISSOCK(status.st_mode);
-}
 
 void useOwnLooks() {
   auto* const display = gdk_display_get_default();
@@ -31,7 +22,8 @@ void useOwnLooks() {
 int main() {
   using namespace tavelle;
 
-  if (!isJoined()) {
+  auto joined = inheritedSocket();  // with the process that owns the window
+  if (!joined) {
     std::fputs("tavelle-settings draws Tavelle's settings window; it is started by tavelle itself\n", stderr);
     return 2;
   }
@@ -48,13 +40,12 @@ int main() {
                                                                       g_main_loop_unref};
   std::unique_ptr<LineSocket> socket;
   gtk::RendererWindow window{[&socket](const std::string& line) { socket->send(line); }};
-  socket =
-      std::make_unique<LineSocket>(FileDescriptor{inheritedDescriptor},
-                                   LineSocket::Handlers{[&window](const std::string& line) { window.receive(line); },
-                                                        [&loop](const std::string& why) {
-                                                          std::fprintf(stderr, "tavelle-settings: %s\n", why.c_str());
-                                                          g_main_loop_quit(loop.get());
-                                                        }});
+  socket = std::make_unique<LineSocket>(
+      std::move(joined), LineSocket::Handlers{[&window](const std::string& line) { window.receive(line); },
+                                              [&loop](const std::string& why) {
+                                                std::fprintf(stderr, "tavelle-settings: %s\n", why.c_str());
+                                                g_main_loop_quit(loop.get());
+                                              }});
   g_main_loop_run(loop.get());
   return 0;
 }

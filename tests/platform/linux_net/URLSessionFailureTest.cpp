@@ -11,26 +11,26 @@ using Code = URLError::Code;
 using Clock = std::chrono::steady_clock;
 using std::chrono::seconds;
 
-class CurlURLSessionFailureTest : public URLSessionFixture {
+class LinuxURLSessionFailureTest : public URLSessionFixture {
  protected:
-  CurlURLSession impatient_{URLSessionConfiguration{seconds(1)}};
+  LinuxURLSession impatient_{URLSessionConfiguration{seconds(1)}, process_};
 
   Load startImpatiently(URLRequest request) { return Load{impatient_, std::move(request), executor_}; }
 };
 
-TEST_F(CurlURLSessionFailureTest, refusedConnection) {
+TEST_F(LinuxURLSessionFailureTest, refusedConnection) {
   const auto error = failure(chat("http://127.0.0.1:" + std::to_string(closedPort()) + "/v1"));
   EXPECT_EQ(error.code(), Code::cannotConnectToHost);
   EXPECT_EQ(error.errorDescription(), "Could not connect to the server.");
 }
 
-TEST_F(CurlURLSessionFailureTest, unknownHost) {
+TEST_F(LinuxURLSessionFailureTest, unknownHost) {
   const auto error = failure(chat("http://nonexistent.invalid/v1"));
   EXPECT_EQ(error.code(), Code::cannotFindHost);
   EXPECT_EQ(error.errorDescription(), "A server with the specified hostname could not be found.");
 }
 
-TEST_F(CurlURLSessionFailureTest, addressThatIsNoWebAddress) {
+TEST_F(LinuxURLSessionFailureTest, addressThatIsNoWebAddress) {
   for (const auto* url : {"/chat/completions", "chat/completions", "ftp://127.0.0.1/x", "file:///etc/hostname",
                           "tavelle://auth", "http:127.0.0.1", "http:/127.0.0.1/", "mailto:a@b.example"}) {
     const auto error = failure(post(url, ""));
@@ -39,13 +39,13 @@ TEST_F(CurlURLSessionFailureTest, addressThatIsNoWebAddress) {
   }
 }
 
-TEST_F(CurlURLSessionFailureTest, addressWithoutAHost) {
+TEST_F(LinuxURLSessionFailureTest, addressWithoutAHost) {
   for (const auto* url : {"http://", "http:///x", "https://?a=b", "http://#x", "http://:80/"}) {
     EXPECT_EQ(failure(post(url, "")).errorDescription(), "bad URL") << url;
   }
 }
 
-TEST_F(CurlURLSessionFailureTest, unknownAuthority) {
+TEST_F(LinuxURLSessionFailureTest, unknownAuthority) {
   const TestAuthority authority;
   const StandIn server{{"--tls", authority.certificate(), authority.key()}};
   const auto error = failure(chat(server.baseURL("https")));
@@ -56,17 +56,17 @@ TEST_F(CurlURLSessionFailureTest, unknownAuthority) {
   EXPECT_EQ(server.requests().size(), 0u);
 }
 
-TEST_F(CurlURLSessionFailureTest, certificateForAnotherHost) {
+TEST_F(LinuxURLSessionFailureTest, certificateForAnotherHost) {
   const TestAuthority authority;
   const StandIn server{{"--tls", authority.certificate(), authority.key()}};
-  CurlURLSession trusting{URLSessionConfiguration{long_}, authority.certificate()};
+  LinuxURLSession trusting{URLSessionConfiguration{long_}, process_, authority.certificate()};
   Load loading{trusting, chat("https://localhost:" + std::to_string(server.port()) + "/v1"), executor_};
   const auto error = loading.error();
   EXPECT_EQ(error.code(), Code::serverCertificateUntrusted);
   EXPECT_NE(error.errorDescription().find("“localhost”"), std::string::npos);
 }
 
-TEST_F(CurlURLSessionFailureTest, serverThatDoesNotSpeakTls) {
+TEST_F(LinuxURLSessionFailureTest, serverThatDoesNotSpeakTls) {
   const StandIn server;
   const auto error = failure(chat(server.baseURL("https")));
   EXPECT_EQ(error.code(), Code::secureConnectionFailed);
@@ -74,7 +74,7 @@ TEST_F(CurlURLSessionFailureTest, serverThatDoesNotSpeakTls) {
             "An SSL error has occurred and a secure connection to the server cannot be made.");
 }
 
-TEST_F(CurlURLSessionFailureTest, silence) {
+TEST_F(LinuxURLSessionFailureTest, silence) {
   const StandIn server;
   for (const auto* behaviour : {"silence", "silence-after-head", "delay=20"}) {
     const auto start = Clock::now();
@@ -86,19 +86,19 @@ TEST_F(CurlURLSessionFailureTest, silence) {
   }
 }
 
-TEST_F(CurlURLSessionFailureTest, silenceOfTheRequestsOwnLimitWhereThatIsShorter) {
+TEST_F(LinuxURLSessionFailureTest, silenceOfTheRequestsOwnLimitWhereThatIsShorter) {
   const StandIn server;
   auto request = chat(server.baseURLBehaving("silence"));
   request.timeoutInterval = seconds(1);
   EXPECT_EQ(failure(request).code(), Code::timedOut);
 }
 
-TEST_F(CurlURLSessionFailureTest, silenceInTheMiddleOfTheHandshake) {
+TEST_F(LinuxURLSessionFailureTest, silenceInTheMiddleOfTheHandshake) {
   const StandIn server{{"--deaf"}};
   EXPECT_EQ(startImpatiently(chat(server.baseURL("https"))).error().code(), Code::timedOut);
 }
 
-TEST_F(CurlURLSessionFailureTest, neverCutsOffAServerThatKeepsSending) {
+TEST_F(LinuxURLSessionFailureTest, neverCutsOffAServerThatKeepsSending) {
   const StandIn server;
   const auto start = Clock::now();
   // Each takes longer than the limit; in the second one single header does.
@@ -107,7 +107,7 @@ TEST_F(CurlURLSessionFailureTest, neverCutsOffAServerThatKeepsSending) {
   EXPECT_GT(Clock::now() - start, seconds(4));
 }
 
-TEST_F(CurlURLSessionFailureTest, oneSilenceWhileAnotherTransferIsBusy) {
+TEST_F(LinuxURLSessionFailureTest, oneSilenceWhileAnotherTransferIsBusy) {
   const StandIn server;
   auto silent = startImpatiently(chat(server.baseURLBehaving("silence")));
   auto busy = startImpatiently(chat(server.baseURLBehaving("trickle=0.2,body=0123456789")));
@@ -116,7 +116,7 @@ TEST_F(CurlURLSessionFailureTest, oneSilenceWhileAnotherTransferIsBusy) {
   EXPECT_EQ(busy.result().data, "0123456789");
 }
 
-TEST_F(CurlURLSessionFailureTest, answerCutShort) {
+TEST_F(LinuxURLSessionFailureTest, answerCutShort) {
   const StandIn server;
   for (const auto* behaviour :
        {"truncate", "chunked-cut=16", "close", "truncate,size=5000000", "status=500,body=abcdef,truncate"}) {
@@ -126,14 +126,14 @@ TEST_F(CurlURLSessionFailureTest, answerCutShort) {
   }
 }
 
-TEST_F(CurlURLSessionFailureTest, compressionThatCannotBeRead) {
+TEST_F(LinuxURLSessionFailureTest, compressionThatCannotBeRead) {
   const StandIn server;
   const auto error = failure(chat(server.baseURLBehaving("gzip-damaged")));
   EXPECT_EQ(error.code(), Code::cannotDecodeContentData);
   EXPECT_EQ(error.errorDescription(), "cannot decode raw data");
 }
 
-TEST_F(CurlURLSessionFailureTest, redirectionsWithoutEnd) {
+TEST_F(LinuxURLSessionFailureTest, redirectionsWithoutEnd) {
   const StandIn server;
   const auto error = failure(chat(server.baseURLBehaving("redirect=307,times=1000")));
   EXPECT_EQ(error.code(), Code::httpTooManyRedirects);
@@ -141,7 +141,7 @@ TEST_F(CurlURLSessionFailureTest, redirectionsWithoutEnd) {
   EXPECT_EQ(server.requests().size(), 21u);
 }
 
-TEST_F(CurlURLSessionFailureTest, redirectionToAnythingButTheWeb) {
+TEST_F(LinuxURLSessionFailureTest, redirectionToAnythingButTheWeb) {
   const StandIn server;
   for (const auto* target :
        {"file%3A%2F%2F%2Fetc%2Fhostname", "ftp%3A%2F%2F127.0.0.1%2F", "gopher%3A%2F%2F127.0.0.1%2F"}) {
@@ -150,11 +150,11 @@ TEST_F(CurlURLSessionFailureTest, redirectionToAnythingButTheWeb) {
   }
 }
 
-TEST_F(CurlURLSessionFailureTest, redirectionOfASecureRequestIntoTheOpen) {
+TEST_F(LinuxURLSessionFailureTest, redirectionOfASecureRequestIntoTheOpen) {
   const TestAuthority authority;
   const StandIn secure{{"--tls", authority.certificate(), authority.key()}};
   const StandIn open;
-  CurlURLSession trusting{URLSessionConfiguration{long_}, authority.certificate()};
+  LinuxURLSession trusting{URLSessionConfiguration{long_}, process_, authority.certificate()};
   const auto behaviour = "redirect=307,to=http%3A%2F%2F127.0.0.1%3A" + std::to_string(open.port()) + "%2Fv1";
   Load loading{trusting, chat(secure.baseURLBehaving(behaviour, "https")), executor_};
   EXPECT_EQ(loading.error().code(), Code::unsupportedURL);
@@ -162,7 +162,7 @@ TEST_F(CurlURLSessionFailureTest, redirectionOfASecureRequestIntoTheOpen) {
   EXPECT_EQ(open.requests().size(), 0u);
 }
 
-TEST_F(CurlURLSessionFailureTest, headerWithALineBreak) {
+TEST_F(LinuxURLSessionFailureTest, headerWithALineBreak) {
   const StandIn server;
   for (const auto& value :
        {std::string{"sk-secret\n"}, std::string{"sk-secret\r\nHost: elsewhere"}, std::string("sk-secret\0x", 11)}) {
@@ -174,7 +174,7 @@ TEST_F(CurlURLSessionFailureTest, headerWithALineBreak) {
   EXPECT_EQ(server.requests().size(), 0u);
 }
 
-TEST_F(CurlURLSessionFailureTest, headerWithANameThatIsNone) {
+TEST_F(LinuxURLSessionFailureTest, headerWithANameThatIsNone) {
   for (const auto* name : {"", "a b", "a:", "a\nb", "ä"}) {
     auto request = chat("http://127.0.0.1:1/v1");
     request.headers.emplace_back(name, "value");
@@ -182,7 +182,7 @@ TEST_F(CurlURLSessionFailureTest, headerWithANameThatIsNone) {
   }
 }
 
-TEST_F(CurlURLSessionFailureTest, wordsThatNeverHoldTheKey) {
+TEST_F(LinuxURLSessionFailureTest, wordsThatNeverHoldTheKey) {
   const TestAuthority authority;
   const StandIn server;
   const StandIn secure{{"--tls", authority.certificate(), authority.key()}};

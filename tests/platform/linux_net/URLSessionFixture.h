@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -36,7 +37,8 @@ class URLSessionFixture : public testing::Test {
   static std::uint16_t closedPort() { return StandIn{}.port(); }
 
   QueueExecutor executor_;
-  CurlURLSession session_{URLSessionConfiguration{long_}};
+  std::shared_ptr<TransferProcess> process_ = std::make_shared<TransferProcess>();
+  LinuxURLSession session_{URLSessionConfiguration{long_}, process_};
 };
 
 }  // namespace tavelle::tests

@@ -4,8 +4,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include <filesystem>
-#include <fstream>
 #include <optional>
 #include <set>
 #include <vector>
@@ -15,25 +13,14 @@ namespace {
 
 using std::chrono::seconds;
 
-class CurlURLSessionTest : public URLSessionFixture {
+class LinuxURLSessionTest : public URLSessionFixture {
  protected:
   static std::string answer(const URLResult& result) {
     return nlohmann::json::parse(result.data).at("choices").at(0).at("message").at("content");
   }
-
-  // How many transfer threads this process has.
-  static int transferThreads() {
-    int count = 0;
-    for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task")) {
-      std::string name;
-      std::getline(std::ifstream{thread.path() / "comm"}, name);
-      count += name == "transfers";
-    }
-    return count;
-  }
 };
 
-TEST_F(CurlURLSessionTest, sendsTheRequestAsItIs) {
+TEST_F(LinuxURLSessionTest, sendsTheRequestAsItIs) {
   const StandIn server;
   auto request = post(server.baseURL() + "/../x/chat/completions?a=b%20c", "{\"messages\":[]}");
   request.headers.emplace_back("Authorization", "Bearer key");
@@ -47,7 +34,7 @@ TEST_F(CurlURLSessionTest, sendsTheRequestAsItIs) {
   EXPECT_EQ(requests[0].header("Authorization"), "Bearer key");
 }
 
-TEST_F(CurlURLSessionTest, saysWhoItIsAndWhatItCanDecode) {
+TEST_F(LinuxURLSessionTest, saysWhoItIsAndWhatItCanDecode) {
   const StandIn server;
   load(chat(server.baseURL()));
   const auto request = server.requests().at(0);
@@ -55,7 +42,7 @@ TEST_F(CurlURLSessionTest, saysWhoItIsAndWhatItCanDecode) {
   EXPECT_NE(request.header("Accept-Encoding").find("gzip"), std::string::npos);
 }
 
-TEST_F(CurlURLSessionTest, doesNotAskForAGoAheadBeforeALargeBody) {
+TEST_F(LinuxURLSessionTest, doesNotAskForAGoAheadBeforeALargeBody) {
   const StandIn server;
   EXPECT_EQ(load(chat(server.baseURL(), std::string(5'000'000, 'x'))).response.statusCode, 200);
   const auto request = server.requests().at(0);
@@ -63,7 +50,7 @@ TEST_F(CurlURLSessionTest, doesNotAskForAGoAheadBeforeALargeBody) {
   EXPECT_GT(request.body.size(), 5'000'000u);
 }
 
-TEST_F(CurlURLSessionTest, sendsAGetWithoutABody) {
+TEST_F(LinuxURLSessionTest, sendsAGetWithoutABody) {
   const StandIn server;
   const auto result =
       load({*URL::parse("http://127.0.0.1:" + std::to_string(server.port()) + "/"), "GET", {}, {}, long_});
@@ -71,14 +58,14 @@ TEST_F(CurlURLSessionTest, sendsAGetWithoutABody) {
   EXPECT_EQ(server.requests().at(0).method, "GET");
 }
 
-TEST_F(CurlURLSessionTest, sendsAnEmptyBodyAsOne) {
+TEST_F(LinuxURLSessionTest, sendsAnEmptyBodyAsOne) {
   const StandIn server;
   load(post(server.baseURL() + "/chat/completions", ""));
   EXPECT_EQ(server.requests().at(0).method, "POST");
   EXPECT_EQ(server.requests().at(0).header("Content-Length"), "0");
 }
 
-TEST_F(CurlURLSessionTest, sendsAHeaderWithAnEmptyValue) {
+TEST_F(LinuxURLSessionTest, sendsAHeaderWithAnEmptyValue) {
   const StandIn server;
   auto request = chat(server.baseURL());
   request.headers.emplace_back("x-api-key", "");
@@ -89,7 +76,7 @@ TEST_F(CurlURLSessionTest, sendsAHeaderWithAnEmptyValue) {
   EXPECT_TRUE(server.requests().at(0).hasHeader("x-blank"));
 }
 
-TEST_F(CurlURLSessionTest, resumesOnTheExecutor) {
+TEST_F(LinuxURLSessionTest, resumesOnTheExecutor) {
   const StandIn server;
   auto loading = start(chat(server.baseURL()));
   EXPECT_FALSE(loading.isDone());
@@ -102,7 +89,7 @@ TEST_F(CurlURLSessionTest, resumesOnTheExecutor) {
   EXPECT_EQ(failing.resumedOn(), std::this_thread::get_id());
 }
 
-TEST_F(CurlURLSessionTest, givesEveryStatusWithItsBody) {
+TEST_F(LinuxURLSessionTest, givesEveryStatusWithItsBody) {
   const StandIn server;
   for (const int status : {200, 201, 204, 400, 401, 404, 429, 500, 503}) {
     const auto result =
@@ -112,7 +99,7 @@ TEST_F(CurlURLSessionTest, givesEveryStatusWithItsBody) {
   }
 }
 
-TEST_F(CurlURLSessionTest, givesAnswersOfAnyBytes) {
+TEST_F(LinuxURLSessionTest, givesAnswersOfAnyBytes) {
   const StandIn server;
   EXPECT_EQ(load(chat(server.baseURLBehaving("invalid-utf8"))).data, "\xff\xfe\xc3(");
   EXPECT_NE(answer(load(chat(server.baseURLBehaving("odd-text")))).find(std::string("\0 a NUL", 7)), std::string::npos);
@@ -120,14 +107,14 @@ TEST_F(CurlURLSessionTest, givesAnswersOfAnyBytes) {
   EXPECT_EQ(bytes, std::string("a\0b", 3));
 }
 
-TEST_F(CurlURLSessionTest, takesAResponseThatIsNotHttpForOneWithoutAStatus) {
+TEST_F(LinuxURLSessionTest, takesAResponseThatIsNotHttpForOneWithoutAStatus) {
   const StandIn server;
   const auto result = load(chat(server.baseURLBehaving("garbage=What%3F")));
   EXPECT_EQ(result.response.statusCode, std::nullopt);
   EXPECT_EQ(result.data, "What?");
 }
 
-TEST_F(CurlURLSessionTest, decodesCompressedAndChunkedBodies) {
+TEST_F(LinuxURLSessionTest, decodesCompressedAndChunkedBodies) {
   const StandIn server;
   const auto plain = load(chat(server.baseURL(), "i dont know")).data;
   for (const auto* behaviour : {"gzip", "chunked=7", "gzip,chunked=1", "chunked=3,trickle=0.001"}) {
@@ -135,7 +122,7 @@ TEST_F(CurlURLSessionTest, decodesCompressedAndChunkedBodies) {
   }
 }
 
-TEST_F(CurlURLSessionTest, givesAnAnswerOfFiftyMegabytes) {
+TEST_F(LinuxURLSessionTest, givesAnAnswerOfFiftyMegabytes) {
   const StandIn server;
   for (const auto* behaviour : {"size=52428800", "size=52428800,chunked=100000", "size=52428800,gzip"}) {
     const auto data = load(chat(server.baseURLBehaving(behaviour))).data;
@@ -145,7 +132,7 @@ TEST_F(CurlURLSessionTest, givesAnAnswerOfFiftyMegabytes) {
   }
 }
 
-TEST_F(CurlURLSessionTest, turnsAPostIntoAGetWhereThePlatformDoes) {
+TEST_F(LinuxURLSessionTest, turnsAPostIntoAGetWhereThePlatformDoes) {
   for (const int status : {301, 302, 303}) {
     const StandIn server;
     load(chat(server.baseURLBehaving("redirect=" + std::to_string(status))));
@@ -155,7 +142,7 @@ TEST_F(CurlURLSessionTest, turnsAPostIntoAGetWhereThePlatformDoes) {
   }
 }
 
-TEST_F(CurlURLSessionTest, keepsAPostOneAfterATemporaryOrPermanentRedirect) {
+TEST_F(LinuxURLSessionTest, keepsAPostOneAfterATemporaryOrPermanentRedirect) {
   for (const int status : {307, 308}) {
     const StandIn server;
     EXPECT_EQ(answer(load(chat(server.baseURLBehaving("redirect=" + std::to_string(status)), "i dont"))), "I do not.");
@@ -165,13 +152,13 @@ TEST_F(CurlURLSessionTest, keepsAPostOneAfterATemporaryOrPermanentRedirect) {
   }
 }
 
-TEST_F(CurlURLSessionTest, followsTwentyRedirectionsInARow) {
+TEST_F(LinuxURLSessionTest, followsTwentyRedirectionsInARow) {
   const StandIn server;
   EXPECT_EQ(load(chat(server.baseURLBehaving("redirect=307,times=20"))).response.statusCode, 200);
   EXPECT_EQ(server.requests().size(), 21u);
 }
 
-TEST_F(CurlURLSessionTest, sendsNoHeaderButTheContentTypeToAnotherHost) {
+TEST_F(LinuxURLSessionTest, sendsNoHeaderButTheContentTypeToAnotherHost) {
   const StandIn server;
   const StandIn stranger;
   auto request = chat(server.baseURLBehaving("redirect=307,to=http%3A%2F%2F127.0.0.1%3A" +
@@ -186,7 +173,7 @@ TEST_F(CurlURLSessionTest, sendsNoHeaderButTheContentTypeToAnotherHost) {
   EXPECT_EQ(stranger.requests()[0].header("Content-Type"), "application/json");
 }
 
-TEST_F(CurlURLSessionTest, sendsEveryHeaderAgainToTheSameHost) {
+TEST_F(LinuxURLSessionTest, sendsEveryHeaderAgainToTheSameHost) {
   const StandIn server;
   auto request = chat(server.baseURLBehaving("redirect=307"));
   request.headers.emplace_back("Authorization", "Bearer key");
@@ -197,30 +184,30 @@ TEST_F(CurlURLSessionTest, sendsEveryHeaderAgainToTheSameHost) {
   EXPECT_EQ(server.requests()[1].header("x-api-key"), "key");
 }
 
-TEST_F(CurlURLSessionTest, keepsNoCookies) {
+TEST_F(LinuxURLSessionTest, keepsNoCookies) {
   const StandIn server;
   load(chat(server.baseURLBehaving("header=Set-Cookie%3Aa%3Db")));
   load(chat(server.baseURL()));
   EXPECT_FALSE(server.requests().at(1).hasHeader("Cookie"));
 }
 
-TEST_F(CurlURLSessionTest, trustsTheAuthoritiesItIsGiven) {
+TEST_F(LinuxURLSessionTest, trustsTheAuthoritiesItIsGiven) {
   const TestAuthority authority;
   const StandIn server{{"--tls", authority.certificate(), authority.key()}};
-  CurlURLSession trusting{URLSessionConfiguration{long_}, authority.certificate()};
+  LinuxURLSession trusting{URLSessionConfiguration{long_}, process_, authority.certificate()};
   Load loading{trusting, chat(server.baseURL("https"), "i dont"), executor_};
   EXPECT_EQ(answer(loading.result()), "I do not.");
 }
 
-TEST_F(CurlURLSessionTest, trustsAFolderOfAuthorities) {
+TEST_F(LinuxURLSessionTest, trustsAFolderOfAuthorities) {
   const TestAuthority authority;
   const StandIn server{{"--tls", authority.certificate(), authority.key()}};
-  CurlURLSession trusting{URLSessionConfiguration{long_}, authority.folder()};
+  LinuxURLSession trusting{URLSessionConfiguration{long_}, process_, authority.folder()};
   Load loading{trusting, chat(server.baseURL("https"), "i dont"), executor_};
   EXPECT_EQ(answer(loading.result()), "I do not.");
 }
 
-TEST_F(CurlURLSessionTest, goesThroughTheProxyOfTheEnvironment) {
+TEST_F(LinuxURLSessionTest, goesThroughTheProxyOfTheEnvironment) {
   const StandIn proxy;
   const Environment environment{{{"http_proxy", "http://127.0.0.1:" + std::to_string(proxy.port())}, {"no_proxy", ""}}};
   EXPECT_EQ(load(chat("http://model.invalid/v1")).response.statusCode, 200);
@@ -228,7 +215,7 @@ TEST_F(CurlURLSessionTest, goesThroughTheProxyOfTheEnvironment) {
   EXPECT_EQ(proxy.requests().at(0).header("Host"), "model.invalid");
 }
 
-TEST_F(CurlURLSessionTest, goesPastTheProxyWhereTheEnvironmentSaysSo) {
+TEST_F(LinuxURLSessionTest, goesPastTheProxyWhereTheEnvironmentSaysSo) {
   const StandIn proxy;
   const StandIn server;
   const Environment environment{
@@ -238,7 +225,7 @@ TEST_F(CurlURLSessionTest, goesPastTheProxyWhereTheEnvironmentSaysSo) {
   EXPECT_EQ(proxy.requests().size(), 0u);
 }
 
-TEST_F(CurlURLSessionTest, asksNoProxyForThisMachine) {
+TEST_F(LinuxURLSessionTest, asksNoProxyForThisMachine) {
   const StandIn proxy;
   const StandIn server;
   const Environment environment{{{"http_proxy", "http://127.0.0.1:" + std::to_string(proxy.port())}, {"no_proxy", ""}}};
@@ -248,7 +235,7 @@ TEST_F(CurlURLSessionTest, asksNoProxyForThisMachine) {
   EXPECT_EQ(proxy.requests().size(), 0u);
 }
 
-TEST_F(CurlURLSessionTest, asksTheSecureProxyForATunnelWithoutTheKey) {
+TEST_F(LinuxURLSessionTest, asksTheSecureProxyForATunnelWithoutTheKey) {
   const StandIn proxy;
   const Environment environment{
       {{"https_proxy", "http://127.0.0.1:" + std::to_string(proxy.port())}, {"no_proxy", ""}}};
@@ -261,7 +248,7 @@ TEST_F(CurlURLSessionTest, asksTheSecureProxyForATunnelWithoutTheKey) {
   EXPECT_FALSE(proxy.requests().at(0).hasHeader("Authorization"));
 }
 
-TEST_F(CurlURLSessionTest, sendsTwoHundredRequestsOverOneConnection) {
+TEST_F(LinuxURLSessionTest, sendsTwoHundredRequestsOverOneConnection) {
   const StandIn server;
   for (int count = 0; count < 200; ++count) load(chat(server.baseURL()));
   std::set<int> connections;
@@ -270,14 +257,14 @@ TEST_F(CurlURLSessionTest, sendsTwoHundredRequestsOverOneConnection) {
   EXPECT_EQ(connections.size(), 1u);
 }
 
-TEST_F(CurlURLSessionTest, connectsAnewWhereTheServerHasClosedAnIdleConnection) {
+TEST_F(LinuxURLSessionTest, connectsAnewWhereTheServerHasClosedAnIdleConnection) {
   const StandIn server;
   load(chat(server.baseURLBehaving("close-after")));
   EXPECT_EQ(load(chat(server.baseURL())).response.statusCode, 200);
   EXPECT_NE(server.requests().at(0).connection, server.requests().at(1).connection);
 }
 
-TEST_F(CurlURLSessionTest, holdsUpNoRequestForAnother) {
+TEST_F(LinuxURLSessionTest, holdsUpNoRequestForAnother) {
   const StandIn server;
   const auto silent = start(chat(server.baseURLBehaving("silence")));
   ASSERT_EQ(server.waitForRequests(1).size(), 1u);
@@ -288,28 +275,9 @@ TEST_F(CurlURLSessionTest, holdsUpNoRequestForAnother) {
   EXPECT_FALSE(silent.isDone());
 }
 
-TEST_F(CurlURLSessionTest, startsOneThreadForAllSessionsWithTheFirstRequest) {
+TEST_F(LinuxURLSessionTest, endsWhatIsInFlightWithTheSession) {
   const StandIn server;
-  auto another = std::make_optional<CurlURLSession>(URLSessionConfiguration{long_});
-  EXPECT_EQ(transferThreads(), 0);
-  load(chat(server.baseURL()));
-  Load{*another, chat(server.baseURL()), executor_}.result();
-  EXPECT_EQ(transferThreads(), 1);
-}
-
-TEST_F(CurlURLSessionTest, endsTheThreadWithTheLastSession) {
-  const StandIn server;
-  {
-    CurlURLSession session{URLSessionConfiguration{long_}};
-    Load{session, chat(server.baseURL()), executor_}.result();
-    EXPECT_EQ(transferThreads(), 1);
-  }
-  EXPECT_EQ(transferThreads(), 0);
-}
-
-TEST_F(CurlURLSessionTest, endsWhatIsInFlightWithTheSession) {
-  const StandIn server;
-  auto session = std::make_optional<CurlURLSession>(URLSessionConfiguration{long_});
+  auto session = std::make_optional<LinuxURLSession>(URLSessionConfiguration{long_}, process_);
   Load first{*session, chat(server.baseURLBehaving("silence")), executor_};
   Load second{*session, chat(server.baseURLBehaving("trickle=0.01")), executor_};
   ASSERT_EQ(server.waitForRequests(2).size(), 2u);
@@ -318,8 +286,8 @@ TEST_F(CurlURLSessionTest, endsWhatIsInFlightWithTheSession) {
   EXPECT_EQ(second.error().errorDescription(), "cancelled");
 }
 
-TEST_F(CurlURLSessionTest, failsATaskThatIsStartedAfterTheSessionsEnd) {
-  auto session = std::make_optional<CurlURLSession>(URLSessionConfiguration{long_});
+TEST_F(LinuxURLSessionTest, failsATaskThatIsStartedAfterTheSessionsEnd) {
+  auto session = std::make_optional<LinuxURLSession>(URLSessionConfiguration{long_}, process_);
   class Late : public URLSession {
    public:
     explicit Late(Task<URLResult> task) : task_(std::move(task)) {}
@@ -332,7 +300,7 @@ TEST_F(CurlURLSessionTest, failsATaskThatIsStartedAfterTheSessionsEnd) {
   EXPECT_EQ((Load{late, chat("http://127.0.0.1/v1"), executor_}.error().code()), URLError::Code::cancelled);
 }
 
-TEST_F(CurlURLSessionTest, callsATransferOffWhenItsTaskIsDropped) {
+TEST_F(LinuxURLSessionTest, callsATransferOffWhenItsTaskIsDropped) {
   const StandIn server;
   {
     const auto dropped = start(chat(server.baseURLBehaving("silence")));
@@ -342,7 +310,7 @@ TEST_F(CurlURLSessionTest, callsATransferOffWhenItsTaskIsDropped) {
   EXPECT_EQ(executor_.waiting(), 0u);
 }
 
-TEST_F(CurlURLSessionTest, resumesNothingWhenATaskIsDroppedAfterItsReplyHasCome) {
+TEST_F(LinuxURLSessionTest, resumesNothingWhenATaskIsDroppedAfterItsReplyHasCome) {
   const StandIn server;
   {
     const auto dropped = start(chat(server.baseURL()));

@@ -1,4 +1,4 @@
-#include "platform/linux/WebAddress.h"
+#include "platform/linux/curl/WebAddress.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,9 @@
-#include "platform/linux/Transfer.h"
+#include "platform/linux/curl/Transfer.h"
 
-#include "platform/linux/CurlErrors.h"
-#include "platform/linux/TrustStore.h"
-#include "platform/linux/WebAddress.h"
+#include "platform/linux/URLErrors.h"
+#include "platform/linux/curl/CurlErrors.h"
+#include "platform/linux/curl/TrustStore.h"
+#include "platform/linux/curl/WebAddress.h"
 
 #include <algorithm>
 #include <exception>
@@ -37,12 +38,8 @@ bool becomesGet(long status, const std::string& method) {
 
 }  // namespace
 
-Transfer::Transfer(URLRequest request, std::chrono::seconds longestSilence, std::string authorities,
-                   std::shared_ptr<TransferReply> reply)
-    : request_(std::move(request)),
-      longestSilence_(longestSilence),
-      authorities_(std::move(authorities)),
-      reply_(std::move(reply)) {}
+Transfer::Transfer(URLRequest request, std::string authorities, Answer answer)
+    : request_(std::move(request)), authorities_(std::move(authorities)), answer_(std::move(answer)) {}
 
 Transfer::~Transfer() = default;
 
@@ -182,18 +179,18 @@ int Transfer::onProgress(void* transfer, curl_off_t, curl_off_t received, curl_o
 
 void Transfer::finish(CURLcode result) {
   if (result != CURLE_OK) {
-    reply_->deliver(transferError(handle_.get(), result));
+    answer_(transferError(handle_.get(), result));
     return;
   }
   if (redirectionTarget(handle_.get())) {
-    reply_->deliver(urlError(URLError::Code::httpTooManyRedirects));
+    answer_(urlError(URLError::Code::httpTooManyRedirects));
     return;
   }
   long status = 0;
   curl_easy_getinfo(handle_.get(), CURLINFO_RESPONSE_CODE, &status);
   URLResponse response;
   if (status != 0) response.statusCode = static_cast<int>(status);
-  reply_->deliver(URLResult{std::move(body_), response});
+  answer_(URLResult{std::move(body_), response});
 }
 
 }  // namespace tavelle

@@ -2,10 +2,10 @@
 
 #include "platform/TransferReply.h"
 #include "platform/URLSession.h"
-#include "platform/linux/CurlHandles.h"
+#include "platform/linux/curl/CurlHandles.h"
 
 #include <chrono>
-#include <memory>
+#include <functional>
 #include <string>
 
 namespace tavelle {
@@ -16,15 +16,14 @@ class Transfer {
  public:
   using Clock = std::chrono::steady_clock;
 
-  // `authorities`: as CurlURLSession has it.
-  Transfer(URLRequest request, std::chrono::seconds longestSilence, std::string authorities,
-           std::shared_ptr<TransferReply> reply);
+  using Answer = std::function<void(TransferReply::Outcome outcome)>;
+
+  // The request's own limit is that of the silence. `authorities`: as LinuxURLSession has it. `answer` is called once,
+  // on the transfer thread, unless the transfer is cancelled first.
+  Transfer(URLRequest request, std::string authorities, Answer answer);
   ~Transfer();
   Transfer(const Transfer&) = delete;
   Transfer& operator=(const Transfer&) = delete;
-
-  // Where the reply goes. Callable from any thread.
-  TransferReply& reply() const { return *reply_; }
 
   // Makes the handle for a multi handle to drive. Null where there is no memory for it.
   CURL* prepare();
@@ -38,14 +37,14 @@ class Transfer {
   void noteActivity() { lastActivity_ = Clock::now(); }
 
   // When the silence will have been too long.
-  Clock::time_point deadline() const { return lastActivity_ + longestSilence_; }
+  Clock::time_point deadline() const { return lastActivity_ + request_.timeoutInterval; }
 
   // True where the answer at hand sends the request elsewhere: the handle is then ready to be driven again.
   bool followRedirection();
 
   // Hands over the answer, or the error.
   void finish(CURLcode result);
-  void finish(URLError error) { reply_->deliver(std::move(error)); }
+  void finish(URLError error) { answer_(std::move(error)); }
 
  private:
   void setConnectionOptions();
@@ -60,9 +59,8 @@ class Transfer {
   static int onProgress(void* transfer, curl_off_t, curl_off_t received, curl_off_t, curl_off_t sent);
 
   const URLRequest request_;
-  const std::chrono::seconds longestSilence_;
   const std::string authorities_;
-  const std::shared_ptr<TransferReply> reply_;
+  const Answer answer_;
   Data body_;
   int redirections_ = 0;
   curl_off_t moved_ = 0;

@@ -1,4 +1,4 @@
-#include "platform/linux/TrustStore.h"
+#include "platform/linux/curl/TrustStore.h"
 
 #include <algorithm>
 #include <filesystem>

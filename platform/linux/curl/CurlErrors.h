@@ -6,9 +6,6 @@
 
 namespace tavelle {
 
-// The error in the platform's wording. Not for serverCertificateUntrusted, whose words name the host.
-URLError urlError(URLError::Code code);
-
 // Why the transfer of `handle` ended with `result`, which is no success. The words hold nothing of the request but the
 // host: keys travel in headers and in the URL's query.
 URLError transferError(CURL* handle, CURLcode result);

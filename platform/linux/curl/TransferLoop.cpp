@@ -1,34 +1,18 @@
-#include "platform/linux/TransferLoop.h"
+#include "platform/linux/curl/TransferLoop.h"
 
-#include "platform/linux/CurlErrors.h"
+#include "platform/linux/SignalsBlocked.h"
+#include "platform/linux/URLErrors.h"
 
 #include <pthread.h>
 #include <sys/eventfd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <csignal>
 #include <system_error>
 #include <utility>
 
 namespace tavelle {
 namespace {
-
-// Signals are the main thread's business. The threads that a thread starts begin with the mask that it has.
-class SignalsBlocked {
- public:
-  SignalsBlocked() {
-    sigset_t all;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &before_);
-  }
-  ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-  SignalsBlocked(const SignalsBlocked&) = delete;
-  SignalsBlocked& operator=(const SignalsBlocked&) = delete;
-
- private:
-  sigset_t before_{};
-};
 
 FileDescriptor makeWakeUp() {
   FileDescriptor event{eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
@@ -46,15 +30,6 @@ int curlEvents(short events) {
 }
 
 }  // namespace
-
-std::shared_ptr<TransferLoop> TransferLoop::shared() {
-  static std::mutex mutex;
-  static std::weak_ptr<TransferLoop> current;
-  const std::lock_guard lock{mutex};
-  auto loop = current.lock();
-  if (!loop) current = loop = std::make_shared<TransferLoop>();
-  return loop;
-}
 
 TransferLoop::TransferLoop() : wakeUp_(makeWakeUp()) {
   const SignalsBlocked blocked;

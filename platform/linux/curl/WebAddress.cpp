@@ -1,6 +1,6 @@
-#include "platform/linux/WebAddress.h"
+#include "platform/linux/curl/WebAddress.h"
 
-#include "platform/linux/CurlHandles.h"
+#include "platform/linux/curl/CurlHandles.h"
 
 namespace tavelle {
 namespace {

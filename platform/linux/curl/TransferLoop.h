@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/linux/CurlHandles.h"
 #include "platform/linux/FileDescriptor.h"
-#include "platform/linux/Transfer.h"
+#include "platform/linux/curl/CurlHandles.h"
+#include "platform/linux/curl/Transfer.h"
 
 #include <poll.h>
 
@@ -22,10 +22,7 @@ namespace tavelle {
 // limits cannot tell a slow server from a silent one.
 class TransferLoop {
  public:
-  // The process's one; it is there as long as somebody holds it. Throws std::system_error where there is no thread to
-  // be had.
-  static std::shared_ptr<TransferLoop> shared();
-
+  // Throws std::system_error where there is no thread to be had.
   TransferLoop();
   ~TransferLoop();
   TransferLoop(const TransferLoop&) = delete;

@@ -1,0 +1,21 @@
+#include "platform/linux/InheritedSocket.h"
+#include "platform/linux/curl/TransferService.h"
+
+#include <sys/prctl.h>
+
+#include <csignal>
+#include <cstdio>
+#include <utility>
+
+int main() {
+  using namespace tavelle;
+
+  auto joined = inheritedSocket();  // with the process that holds the hotkeys
+  if (!joined) {
+    std::fputs("tavelle-transfers talks to servers for Tavelle; it is started by tavelle itself\n", stderr);
+    return 2;
+  }
+  prctl(PR_SET_PDEATHSIG, SIGKILL);  // also where it is frozen, and does not notice that the socket has ended
+  TransferService{std::move(joined)}.run();
+  return 0;
+}
