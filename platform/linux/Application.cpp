@@ -127,14 +127,20 @@ void LinuxApplication::terminate() {
   tellDelegate(&ApplicationDelegate::applicationWillTerminate);
   if (ending_.withdraw) ending_.withdraw();
   if (ending_.handOver) {
-    ending_.handOver([this] { quit(0); });
+    ending_.handOver([this] { quit(EXIT_SUCCESS); });
   } else {
-    quit(0);
+    quit(EXIT_SUCCESS);
   }
 }
 
-void LinuxApplication::quit(int exitStatus) {
+void LinuxApplication::screenHasGone() {
+  if (isEnding_) return quit(EXIT_SUCCESS);
   isEnding_ = true;
+  std::fputs("Tavelle: the X11 display is gone\n", stderr);
+  quit(EXIT_FAILURE);
+}
+
+void LinuxApplication::quit(int exitStatus) {
   exitStatus_ = exitStatus;
   g_application_quit(application_.get());
 }

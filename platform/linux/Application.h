@@ -40,8 +40,9 @@ class LinuxApplication : public Application {
   void activateIgnoringOtherApps(bool) override {}  // nothing of this process is on the screen but its tray item
   void terminate() override;
 
-  // Ends the main loop now, with `exitStatus`: where there is nobody left to hand anything to.
-  void quit(int exitStatus);
+  // The screen is gone: ends the main loop now, as there is nobody left to hand anything to. A failure, unless the
+  // program was ending anyway and only served the clipboard.
+  void screenHasGone();
 
  private:
   static void onRegistered(GApplication*, GParamSpec*, gpointer self);
@@ -57,6 +58,7 @@ class LinuxApplication : public Application {
   template <int number>
   void watchSignal();
   void giveUpName() const;
+  void quit(int exitStatus);
   template <typename Tell>
   void tellDelegate(Tell tell);
 

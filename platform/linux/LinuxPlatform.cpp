@@ -61,10 +61,7 @@ LinuxPlatform::~LinuxPlatform() = default;
 bool LinuxPlatform::openDesktop() {
   desktop_ = x11::Desktop::open(mainActor_);
   if (!desktop_) return false;
-  desktopLost_ = desktop_->lost().subscribe([this] {
-    std::fputs("Tavelle: the X11 display is gone\n", stderr);
-    application_.quit(EXIT_FAILURE);
-  });
+  desktopLost_ = desktop_->lost().subscribe([this] { application_.screenHasGone(); });
   application_.setEnding({[this] {
                             statusBar_.withdraw();
                             desktop_->carbonEvents().withdraw();

@@ -152,6 +152,15 @@ class WithNoManager(DesktopTest):
         self.own_clipboard()
         self.assertEqual(wait_for_end(self.tavelle.process, "Tavelle ends"), 0)
 
+    def test_keeping_the_clipboard_ends_in_peace_with_the_screen(self):
+        self.start_tavelle()
+        self.scripted()
+        self.own_clipboard()
+        self.press_and_wait()
+        self.quit()
+        self.desktop.end_screen()
+        self.assertEqual(wait_for_end(self.tavelle.process, "Tavelle ends"), 0, self.tavelle.output())
+
     def test_a_new_start_does_not_wait_for_the_clipboard(self):
         self.start_tavelle()
         app = self.scripted()

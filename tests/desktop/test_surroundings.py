@@ -176,4 +176,5 @@ class Ending(DesktopTest):
     def test_it_ends_with_the_screen(self):
         self.start_tavelle()
         self.desktop.end_screen()
-        wait_for_end(self.tavelle.process, "Tavelle ends", within=5)
+        self.assertEqual(wait_for_end(self.tavelle.process, "Tavelle ends", within=5), 1)
+        self.assertIn("Tavelle: the X11 display is gone", self.tavelle.output())
