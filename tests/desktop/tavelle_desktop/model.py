@@ -1,8 +1,8 @@
 """A model server on the loopback interface that answers as a test wants it to, and remembers what it was asked."""
 
 import json
-import threading
-from http.server import BaseHTTPRequestHandler, ThreadingHTTPServer
+
+from .loopback import Handler, Server
 
 
 def answer(text):
@@ -10,17 +10,13 @@ def answer(text):
     return 200, json.dumps({"choices": [{"message": {"role": "assistant", "content": text}}]}).encode()
 
 
-class Model:
+class Model(Server):
     """`behaviour` takes the selected text and returns (status, body); None ends the connection without an answer."""
 
     def __init__(self, behaviour=lambda text: answer(reworded(text)), port=0):
         self.behaviour = behaviour
         self.requests = []
-        self._server = ThreadingHTTPServer(("127.0.0.1", port), self._handler())
-        self._server.daemon_threads = True
-        self.port = self._server.server_address[1]
-        self._thread = threading.Thread(target=self._server.serve_forever, args=(0.05,), daemon=True)
-        self._thread.start()
+        super().__init__(self._handler(), port)
 
     @property
     def url(self):
@@ -30,34 +26,22 @@ class Model:
         """The selections that were sent, oldest first."""
         return [request["messages"][-1]["content"] for _headers, request in self.requests]
 
-    def close(self):
-        self._server.shutdown()
-        self._server.server_close()
-
     def _handler(self):
         model = self
 
-        class Handler(BaseHTTPRequestHandler):
+        class Completions(Handler):
             protocol_version = "HTTP/1.1"
 
             def do_POST(self):
-                body = json.loads(self.rfile.read(int(self.headers["Content-Length"])))
+                body = self.body()
                 model.requests.append((dict(self.headers), body))
                 result = model.behaviour(body["messages"][-1]["content"])
                 if result is None:
                     self.close_connection = True
-                    return
-                status, content = result
-                self.send_response(status)
-                self.send_header("Content-Type", "application/json")
-                self.send_header("Content-Length", str(len(content)))
-                self.end_headers()
-                self.wfile.write(content)
+                else:
+                    self.answer(result[0], "application/json", result[1])
 
-            def log_message(self, *_arguments):
-                pass
-
-        return Handler
+        return Completions
 
 
 def reworded(text):

@@ -1,10 +1,11 @@
 """A web page with a text area that tells the tests what it holds."""
 
 import html
-import json
 import threading
-from http.server import BaseHTTPRequestHandler, ThreadingHTTPServer
 
+from .loopback import Handler, Server
+
+HTML = "text/html; charset=utf-8"
 PAGE = """<!doctype html><meta charset="utf-8"><title>Writing</title>
 <textarea id="t" style="width: 700px; height: 300px" autofocus>{text}</textarea>
 <script>
@@ -31,7 +32,7 @@ tell();
 """
 
 
-class WritingPage:
+class WritingPage(Server):
     """Serves the page; `text` and `is_all_selected` are what the page last told, unasked or asked by the key F2. A key is
     handled after those that came before it, so an answer holds what they did; `asked` counts the answers."""
 
@@ -42,9 +43,7 @@ class WritingPage:
         self._told = 0
         self._lock = threading.Lock()
         self._content = PAGE.format(text=html.escape(text)).encode()
-        self._server = ThreadingHTTPServer(("127.0.0.1", 0), self._handler())
-        self._server.daemon_threads = True
-        threading.Thread(target=self._server.serve_forever, args=(0.05,), daemon=True).start()
+        super().__init__(self._handler())
 
     @property
     def loaded(self):
@@ -52,11 +51,7 @@ class WritingPage:
 
     @property
     def url(self):
-        return f"http://127.0.0.1:{self._server.server_address[1]}/"
-
-    def close(self):
-        self._server.shutdown()
-        self._server.server_close()
+        return f"http://127.0.0.1:{self.port}/"
 
     def _take(self, state):
         with self._lock:  # each comes on a connection of its own, and may overtake another
@@ -68,24 +63,14 @@ class WritingPage:
     def _handler(self):
         page = self
 
-        class Handler(BaseHTTPRequestHandler):
+        class Page(Handler):
             def do_GET(self):
                 page._told = 0  # the page counts anew whenever it is loaded
-                self._send(200 if self.path == "/" else 404, page._content if self.path == "/" else b"")
+                found = self.path == "/"
+                self.answer(200 if found else 404, HTML, page._content if found else b"")
 
             def do_POST(self):
-                state = json.loads(self.rfile.read(int(self.headers["Content-Length"])))
-                page._take(state)
-                self._send(204, b"")
+                page._take(self.body())
+                self.answer(204, HTML, b"")
 
-            def _send(self, status, content):
-                self.send_response(status)
-                self.send_header("Content-Type", "text/html; charset=utf-8")
-                self.send_header("Content-Length", str(len(content)))
-                self.end_headers()
-                self.wfile.write(content)
-
-            def log_message(self, *_arguments):
-                pass
-
-        return Handler
+        return Page

@@ -1,6 +1,6 @@
 """OpenAI's chat completions, which others speak as well: a local server among them wants no key."""
 
-from .request import Refused, is_number, is_unknown_model, tokens
+from .request import Refused, is_number, is_unknown_model, last_of_user, tokens
 
 MEMBERS = {
     "model", "messages", "temperature", "top_p", "n", "stream", "stream_options", "stop", "max_tokens", "max_completion_tokens",
@@ -83,7 +83,7 @@ class ChatCompletions:
 
     @staticmethod
     def text(request):
-        return next((each["content"] for each in reversed(request.member("messages")) if each["role"] == "user"), "")
+        return last_of_user(request.member("messages"))
 
     @classmethod
     def answer(cls, request, text):

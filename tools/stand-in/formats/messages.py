@@ -1,6 +1,6 @@
 """Anthropic's messages."""
 
-from .request import Refused, is_number, is_unknown_model, tokens
+from .request import Refused, is_number, is_unknown_model, last_of_user, tokens
 
 MEMBERS = {
     "model", "max_tokens", "messages", "system", "temperature", "top_k", "top_p", "stop_sequences", "stream", "metadata",
@@ -91,7 +91,7 @@ class Messages:
 
     @staticmethod
     def text(request):
-        return next((each["content"] for each in reversed(request.member("messages")) if each["role"] == "user"), "")
+        return last_of_user(request.member("messages"))
 
     @classmethod
     def answer(cls, request, text):

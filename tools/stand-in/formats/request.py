@@ -58,3 +58,8 @@ def is_unknown_model(model):
 def tokens(text):
     """About as many as a provider would count; at least one."""
     return max(1, len(text) // 4)
+
+
+def last_of_user(messages):
+    """What the person said last, in the two formats that are a list of messages."""
+    return next((each["content"] for each in reversed(messages) if each["role"] == "user"), "")
