@@ -50,6 +50,7 @@ JSON answerSaying(LLMProvider provider, const std::string& text) {
 void takeText(LLMProvider provider, const std::string& text) {
   const auto result = person().reword(provider, 200, answerSaying(provider, text).dump());
   require(result == trimmingWhitespaceAndNewlines(text), "the text is not what the provider said");
+  require(isTrimmed(result), "the text is not trimmed");
 }
 
 void takeAnything(LLMProvider provider, int status, const std::string& body) {
@@ -58,7 +59,7 @@ void takeAnything(LLMProvider provider, int status, const std::string& body) {
     const auto result = person().reword(provider, status, body);
     require(status == 200, "an answer that is a refusal gave a text");
     require(isUTF8(result), "the text is not UTF-8");
-    require(trimmingWhitespaceAndNewlines(result) == result, "the text is not trimmed");
+    require(isTrimmed(result), "the text is not trimmed");
     require(result.size() <= body.size(), "the text is longer than the answer");
   } catch (const JSONError&) {
     require(status == 200, "a refusal is read as JSON");

@@ -35,7 +35,7 @@ void cut(std::string_view text) {
 void trim(std::string_view text) {
   const auto trimmed = trimmingWhitespaceAndNewlines(text);
   require(text.find(trimmed) != std::string_view::npos, "not a part of the text");
-  require(trimmingWhitespaceAndNewlines(trimmed) == trimmed, "there is more to trim");
+  require(isTrimmed(trimmed) && trimmingWhitespaceAndNewlines(trimmed) == trimmed, "there is more to trim");
   require(!isUTF8(text) || isUTF8(trimmed), "a character is cut");
 }
 

@@ -61,4 +61,10 @@ inline std::string textOf(std::string_view bytes) {
   return text;
 }
 
+// Whether there is no blank at either end that anybody would see.
+inline bool isTrimmed(std::string_view text) {
+  constexpr std::string_view blanks = " \t\r\n";
+  return text.empty() || (blanks.find(text.front()) == blanks.npos && blanks.find(text.back()) == blanks.npos);
+}
+
 }  // namespace tavelle::fuzz

@@ -4,9 +4,8 @@
 #include "app/AppDelegate.h"
 #include "platform/fake/FakePlatform.h"
 #include "tests/fuzz/Fuzz.h"
-#include "tests/fuzz/PercentEncoded.h"
+#include "tests/support/PercentEncoded.h"
 
-#include <algorithm>
 #include <memory>
 
 namespace tavelle::fuzz {
@@ -44,21 +43,25 @@ void checkSession(const std::optional<std::string>& token) {
   require(isUTF8(account.email().value_or("")), "an address that cannot be shown");
 }
 
+// The first value of that name in a link of ours.
+std::optional<std::string> tokenIn(const std::string& link) {
+  const auto url = URL::parse(link);
+  if (!url || !link.starts_with("tavelle:") || url->host() != "auth") return std::nullopt;
+  for (const auto& [name, value] : url->queryItems()) {
+    if (name == "token") return value;
+  }
+  return std::nullopt;
+}
+
 void open(const std::string& link) {
   const auto& token = application().tokenAfter(link);
   checkSession(token);
-  if (!token) return;
-  require(isUTF8(*token) && token->size() < link.size(), "a token that no link can carry");
-  const auto url = URL::parse(link);
-  require(url && link.starts_with("tavelle:") && url->host() == "auth", "a link of somebody else's signs in");
-  const auto items = url->queryItems();
-  require(std::any_of(items.begin(), items.end(),
-                      [&](const auto& item) { return item.name == "token" && item.value == token; }),
-          "the link has no such token");
+  require(token == tokenIn(link), "who signs in is who has a link of ours with a token");
+  require(!token || (isUTF8(*token) && token->size() < link.size()), "a token that no link can carry");
 }
 
 void openWith(const std::string& token) {
-  const auto& taken = application().tokenAfter("tavelle://auth?token=" + percentEncoded(token) + "&token=other");
+  const auto& taken = application().tokenAfter("tavelle://auth?token=" + tests::percentEncoded(token) + "&token=other");
   checkSession(taken);
   require(taken == token, "the token is not the link's");
 }

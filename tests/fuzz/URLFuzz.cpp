@@ -4,7 +4,7 @@
 
 #include "platform/linux/WebAddress.h"
 #include "tests/fuzz/Fuzz.h"
-#include "tests/fuzz/PercentEncoded.h"
+#include "tests/support/PercentEncoded.h"
 
 namespace tavelle::fuzz {
 namespace {
@@ -38,7 +38,7 @@ void parse(std::string_view text) {
 }
 
 void parseEncoded(const std::string& host, const std::string& value) {
-  const auto url = URL::parse("https://" + percentEncoded(host) + "/?a=" + percentEncoded(value) + "&b");
+  const auto url = URL::parse("https://" + tests::percentEncoded(host) + "/?a=" + tests::percentEncoded(value) + "&b");
   require(url.has_value(), "every octet can be encoded");
   require(url->host() == host, "the host does not come back");
   require(url->queryItems() == std::vector<URLQueryItem>{{"a", value}, {"b", std::nullopt}},

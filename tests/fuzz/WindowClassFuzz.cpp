@@ -23,7 +23,9 @@ void run(std::string_view property) {
   require(instance.find('\0') == std::string_view::npos && name.find('\0') == std::string_view::npos,
           "a name has a NUL");
   require(property.starts_with(instance), "the instance comes first");
-  require(name.empty() || property.substr(instance.size() + 1).starts_with(name), "the class comes second");
+  const auto both = instance.size() + 1 + name.size();
+  require(both >= property.size() || (property.substr(0, both).ends_with(name) && property[both] == '\0'),
+          "the class comes second, up to its end");
 
   const auto keys = x11::editingKeysOf(instance, name);
   require(keys == x11::editingKeysOf(upperCased(instance), upperCased(name)), "letter case changes the keys");

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-namespace tavelle::fuzz {
+namespace tavelle::tests {
 
 // Every octet percent-encoded (RFC 3986, section 2.1).
 inline std::string percentEncoded(std::string_view bytes) {
@@ -16,4 +16,4 @@ inline std::string percentEncoded(std::string_view bytes) {
   return encoded;
 }
 
-}  // namespace tavelle::fuzz
+}  // namespace tavelle::tests
