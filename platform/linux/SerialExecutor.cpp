@@ -10,10 +10,14 @@ LinuxSerialExecutor::~LinuxSerialExecutor() {
 
 void LinuxSerialExecutor::post(std::function<void()> job) {
   const std::lock_guard lock{mutex_};
+  if (!isRunning_) startThread();  // it waits for the lock
   jobs_.push_back(std::move(job));
-  if (std::exchange(isRunning_, true)) return;
+}
+
+void LinuxSerialExecutor::startThread() {
   if (thread_.joinable()) thread_.join();  // it has found no job and is about to end: it takes no lock any more
   thread_ = std::thread{[this] { runJobs(); }};
+  isRunning_ = true;
 }
 
 void LinuxSerialExecutor::runJobs() {

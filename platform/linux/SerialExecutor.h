@@ -17,9 +17,11 @@ class LinuxSerialExecutor : public SerialExecutor {
   LinuxSerialExecutor(const LinuxSerialExecutor&) = delete;
   LinuxSerialExecutor& operator=(const LinuxSerialExecutor&) = delete;
 
+  // Throws std::system_error where the system has no thread to give; the job is then not posted.
   void post(std::function<void()> job) override;
 
  private:
+  void startThread();
   void runJobs();
   std::function<void()> nextJob();
 
