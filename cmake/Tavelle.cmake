@@ -2,6 +2,7 @@
 
 option(TAVELLE_TESTS "Build the tests" ON)
 option(TAVELLE_BENCH "Build the programs of ./bench" OFF)
+option(TAVELLE_FUZZ "Build the fuzzers, by clang" OFF)
 set(TAVELLE_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize= takes them: address,undefined or thread")
 
 if(APPLE)

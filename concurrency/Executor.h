@@ -10,7 +10,7 @@ class Executor {
  public:
   virtual ~Executor() = default;
 
-  // Runs `job` later, never before post() returned. Callable from any thread. A job must not throw.
+  // Runs `job` later, never within this call. Callable from any thread. A job must not throw.
   virtual void post(std::function<void()> job) = 0;
 
   // `co_await executor.hop()` goes on in a job of this executor.

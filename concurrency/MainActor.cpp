@@ -40,6 +40,7 @@ Task<void> MainActor::sleep(std::chrono::milliseconds duration) {
 void MainActor::start(Task<void> work) {
   // std::function wants something copyable; the task is not, so it travels behind a pointer.
   auto owned = std::make_shared<Task<void>>(std::move(work));
+  ++running_;
   post([this, owned] { runToEnd(std::move(*owned), &running_); });
 }
 

@@ -20,7 +20,7 @@ class MainActor : public Executor {
   Task<void> sleep(std::chrono::milliseconds duration);
 
   // Starts `work` on a later turn of the main loop and returns at once. The main actor owns it until it ends. An
-  // exception that leaves `work` is a programming error and ends the process.
+  // exception that leaves `work` is a programming error and ends the process. Main thread only.
   void start(Task<void> work);
 
   // Whether anything that was started has not ended yet. Main thread only.

@@ -1,13 +1,12 @@
 #include "hotkeys/HotkeyManager.h"
 
 #include "hotkeys/FourCharCode.h"
-#include "platform/FatalError.h"
+#include "hotkeys/HotkeyNumber.h"
 #include "platform/Platform.h"
 #include "platform/Shared.h"
 
 #include <array>
 #include <iostream>
-#include <limits>
 #include <utility>
 
 namespace tavelle {
@@ -44,7 +43,7 @@ void HotkeyManager::registerAll(const std::vector<RewriteProfile>& profiles) {
 }
 
 void HotkeyManager::registerProfile(const RewriteProfile& profile) {
-  const std::uint32_t id = takeHotkeyID();
+  const std::uint32_t id = takeHotkeyNumber(nextHotkeyID_);
   EventHotKeyRef ref = nullptr;
   const OSStatus status =
       events_.registerEventHotKey(profile.keyCode, profile.modifiers, {.signature = fourCharCode("TVLE"), .id = id},
@@ -74,11 +73,6 @@ void HotkeyManager::handleHotkeyEvent(std::uint32_t carbonID) {
   const auto registration = registeredHotkeys_.find(carbonID);
   if (registration == registeredHotkeys_.end() || !onProfileHotkeyPressed) return;
   onProfileHotkeyPressed(registration->second.profileID);
-}
-
-std::uint32_t HotkeyManager::takeHotkeyID() {
-  if (nextHotkeyID_ == std::numeric_limits<std::uint32_t>::max()) fatalError("the hotkey numbers are used up");
-  return nextHotkeyID_++;
 }
 
 }  // namespace tavelle

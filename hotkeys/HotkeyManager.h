@@ -44,7 +44,6 @@ class HotkeyManager {
  private:
   void registerProfile(const RewriteProfile& profile);
   void installHandlerIfNeeded();
-  std::uint32_t takeHotkeyID();
 
   CarbonEvents& events_;
   std::map<std::uint32_t, Registration> registeredHotkeys_;

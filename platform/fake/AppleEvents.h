@@ -20,7 +20,8 @@ class FakeAppleEventManager : public AppleEventManager {
 
   void send(const AppleEvent& event) {
     AppleEvent reply;
-    handlers.at({kInternetEventClass, kAEGetURL})(event, reply);
+    const auto handler = handlers.find({kInternetEventClass, kAEGetURL});
+    if (handler != handlers.end()) handler->second(event, reply);
   }
 
   // By event class and event ID.

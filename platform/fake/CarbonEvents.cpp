@@ -1,5 +1,6 @@
 #include "platform/fake/CarbonEvents.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace tavelle {
@@ -23,7 +24,7 @@ EventTargetRef FakeCarbonEvents::getApplicationEventTarget() {
 OSStatus FakeCarbonEvents::installEventHandler(EventTargetRef target, EventHandlerProc handler,
                                                std::span<const EventTypeSpec> types, void* userData,
                                                EventHandlerRef* out) {
-  if (target != getApplicationEventTarget() || types.size() != 1) return paramErr;
+  if (target != getApplicationEventTarget() || !handler || types.size() != 1) return paramErr;
   if (installStatus != noErr) return installStatus;
   ++installedHandlers;
   handler_ = handler;
@@ -37,7 +38,10 @@ OSStatus FakeCarbonEvents::registerEventHotKey(std::uint32_t keyCode, std::uint3
                                                EventTargetRef target, std::uint32_t options, EventHotKeyRef* out) {
   if (target != getApplicationEventTarget()) return paramErr;
   log_.add("registered " + std::to_string(id.id));
-  if (taken.contains(keyCode)) return eventHotKeyExistsErr;
+  const bool isOurs = std::ranges::any_of(hotKeys_, [&](const auto& known) {
+    return known.second.keyCode == keyCode && known.second.modifiers == modifiers;
+  });
+  if (isOurs || taken.contains(keyCode)) return eventHotKeyExistsErr;
   *out = refOf<EventHotKeyRef>(nextRef_++);
   hotKeys_.emplace(*out, HotKey{keyCode, modifiers, id, options});
   return noErr;
@@ -53,6 +57,7 @@ OSStatus FakeCarbonEvents::unregisterEventHotKey(EventHotKeyRef hotKey) {
 
 OSStatus FakeCarbonEvents::getEventParameter(EventRef event, std::uint32_t name, std::uint32_t type, std::size_t size,
                                              void* out) {
+  if (!event || !out) return paramErr;
   if (parameterStatus != noErr) return parameterStatus;
   if (name != kEventParamDirectObject || type != typeEventHotKeyID || size != sizeof(EventHotKeyID)) {
     return eventParameterNotFoundErr;
@@ -62,7 +67,9 @@ OSStatus FakeCarbonEvents::getEventParameter(EventRef event, std::uint32_t name,
 }
 
 OSStatus FakeCarbonEvents::press(std::uint32_t id) {
-  EventHotKeyID hotkey{.signature = 0, .id = id};
+  const auto all = registered();
+  const auto pressed = all.find(id);
+  auto hotkey = pressed == all.end() ? EventHotKeyID{.signature = 0, .id = id} : pressed->second.id;
   return handler_(nullptr, reinterpret_cast<EventRef>(&hotkey), handlerUserData);
 }
 

@@ -2,12 +2,19 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <utility>
 
 namespace tavelle {
 namespace {
 
 struct FakeStatusItem : StatusItem {
   explicit FakeStatusItem(FakeStatusBar& owner) : bar(owner) {}
+  ~FakeStatusItem() override {
+    bar.image = nullptr;
+    bar.menu.clear();
+  }
+  FakeStatusItem(const FakeStatusItem&) = delete;
+  FakeStatusItem& operator=(const FakeStatusItem&) = delete;
   bool hasButton() const override { return bar.givesButton; }
   void setButtonImage(std::shared_ptr<Image> image) override { bar.image = std::move(image); }
   void setMenu(Menu menu) override {
@@ -44,7 +51,7 @@ void FakeUserNotificationCenter::add(NotificationRequest request, std::function<
   log.add("notified " + request.content.body);
   requests.push_back(std::move(request));
   onAdd();
-  completion(granted);
+  if (completion) completion(granted);
 }
 
 std::optional<InfoValue> FakeBundle::objectForInfoDictionaryKey(const std::string& key) {
@@ -67,7 +74,8 @@ void FakeStatusBar::choose(const std::string& title) const {
   const auto item =
       std::find_if(menu.begin(), menu.end(), [&title](const MenuItem& entry) { return entry.title == title; });
   if (item == menu.end() || !item->action) throw std::logic_error{"the menu has no such entry: " + title};
-  item->action();
+  const auto action = item->action;  // which may end the item
+  action();
 }
 
 int FakeApplication::run(std::span<char*>) {
@@ -83,6 +91,7 @@ void FakeApplication::activateIgnoringOtherApps(bool flag) {
 }
 
 void FakeApplication::terminate() {
+  if (std::exchange(isEnding_, true)) return;
   if (const auto target = delegate.lock()) target->applicationWillTerminate();
   log.add("terminated");
 }

@@ -80,6 +80,9 @@ struct FakeApplication : Application {
 
   EventLog& log;
   std::weak_ptr<ApplicationDelegate> delegate;
+
+ private:
+  bool isEnding_ = false;
 };
 
 // The in-memory backend. Every service is public, with its state; what the services did, in order, is in `log`.

@@ -1,9 +1,12 @@
 #include "platform/fake/MainActor.h"
 
+#include <algorithm>
+
 namespace tavelle {
 
 void FakeMainActor::postAfter(std::chrono::milliseconds delay, std::function<void()> job) {
-  timers_.emplace(now_ + delay, std::pair{delay, std::move(job)});
+  constexpr auto ages = std::chrono::years{1000};
+  timers_.emplace(now_ + std::clamp<std::chrono::milliseconds>(delay, {}, ages), std::pair{delay, std::move(job)});
 }
 
 void FakeMainActor::runUntilIdle() {

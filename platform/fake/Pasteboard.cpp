@@ -1,5 +1,7 @@
 #include "platform/fake/Pasteboard.h"
 
+#include "platform/UTF8.h"
+
 #include <algorithm>
 
 namespace tavelle {
@@ -14,39 +16,48 @@ Task<std::optional<std::vector<PasteboardType>>> FakePasteboard::types() {
 }
 
 Task<std::optional<Data>> FakePasteboard::dataForType(PasteboardType type) {
-  const Data* const data = find(type);
-  co_return data ? std::optional{*data} : std::nullopt;
+  const auto found = std::ranges::find(contents, type, &Contents::value_type::first);
+  co_return found == contents.end() ? std::nullopt : std::optional{found->second};
 }
 
 Task<std::optional<std::string>> FakePasteboard::stringForType(PasteboardType type) {
   log_.add("read");
-  co_return co_await dataForType(std::move(type));
+  auto text = co_await dataForType(std::move(type));
+  if (text && !isUTF8(*text)) text.reset();
+  co_return text;
 }
 
 void FakePasteboard::clearContents() {
   log_.add("cleared");
-  contents.clear();
+  take({});
+  isOurs_ = true;
+}
+
+void FakePasteboard::take(Contents theirs) {
+  contents = std::move(theirs);
   unreadable.clear();
+  isOurs_ = false;
 }
 
 bool FakePasteboard::setData(Data data, const PasteboardType& type) {
   log_.add("set " + type);
-  if (refusesWrites) return false;
-  contents.emplace_back(type, std::move(data));
-  return true;
+  return put(std::move(data), type);
 }
 
 bool FakePasteboard::setString(std::string string, const PasteboardType& type) {
   log_.add("wrote '" + string + "'");
-  if (refusesWrites) return false;
-  contents.emplace_back(type, std::move(string));
-  return true;
+  return put(std::move(string), type);
 }
 
-const Data* FakePasteboard::find(const PasteboardType& type) const {
-  const auto found =
-      std::find_if(contents.begin(), contents.end(), [&type](const auto& entry) { return entry.first == type; });
-  return found == contents.end() ? nullptr : &found->second;
+bool FakePasteboard::put(Data data, const PasteboardType& type) {
+  if (refusesWrites || !isOurs_) return false;
+  const auto found = std::ranges::find(contents, type, &Contents::value_type::first);
+  if (found != contents.end()) {
+    found->second = std::move(data);
+  } else {
+    contents.emplace_back(type, std::move(data));
+  }
+  return true;
 }
 
 }  // namespace tavelle

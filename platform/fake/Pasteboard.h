@@ -25,6 +25,9 @@ class FakePasteboard : public Pasteboard {
   bool setData(Data data, const PasteboardType& type) override;
   bool setString(std::string string, const PasteboardType& type) override;
 
+  // Another program takes it over, and nothing can be written until it is cleared.
+  void take(Contents theirs);
+
   // What is there, in order. Changing it is another program's doing and is not logged.
   Contents contents;
 
@@ -35,9 +38,10 @@ class FakePasteboard : public Pasteboard {
   bool refusesWrites = false;
 
  private:
-  const Data* find(const PasteboardType& type) const;
+  bool put(Data data, const PasteboardType& type);
 
   EventLog& log_;
+  bool isOurs_ = false;
 };
 
 }  // namespace tavelle

@@ -1,5 +1,7 @@
 #include "platform/fake/QuartzEvents.h"
 
+#include <utility>
+
 namespace tavelle {
 namespace {
 
@@ -38,13 +40,22 @@ void FakeQuartzEvents::setFlags(KeyboardEvent& event, std::uint64_t flags) {
 void FakeQuartzEvents::post(EventTapLocation tap, const KeyboardEvent& event) {
   const auto& own = static_cast<const FakeKeyboardEvent&>(event);
   posted.push_back({tap, own.source, own.keyCode, own.keyDown, own.flags});
-  if (own.keyDown || own.flags != eventFlagMaskCommand) return;
-  if (own.keyCode == kVK_ANSI_C) {
+  if (own.keyDown) {
+    down_ = own.keyCode;
+  } else if (std::exchange(down_, std::nullopt) == own.keyCode) {
+    stroke(own.keyCode, own.flags);
+  }
+}
+
+void FakeQuartzEvents::stroke(std::uint16_t keyCode, std::uint64_t flags) {
+  if (flags == eventFlagMaskCommand && keyCode == kVK_ANSI_C) {
     log_.add("copied");
     onCopy();
-  } else if (own.keyCode == kVK_ANSI_V) {
+  } else if (flags == eventFlagMaskCommand && keyCode == kVK_ANSI_V) {
     log_.add("pasted");
     onPaste();
+  } else {
+    onOtherKey(keyCode);
   }
 }
 

@@ -9,7 +9,7 @@
 
 namespace tavelle {
 
-// Records each key event as it was posted. A key stroke with Command is answered by what the test says an application
+// Records each key event as it was posted. A key that goes down and up is answered by what the test says an application
 // does.
 class FakeQuartzEvents : public QuartzEvents {
  public:
@@ -36,9 +36,13 @@ class FakeQuartzEvents : public QuartzEvents {
   // The application with the keyboard: called when Command+C and Command+V come up.
   std::function<void()> onCopy = [] {};
   std::function<void()> onPaste = [] {};
+  std::function<void(std::uint16_t keyCode)> onOtherKey = [](std::uint16_t) {};
 
  private:
+  void stroke(std::uint16_t keyCode, std::uint64_t flags);
+
   EventLog& log_;
+  std::optional<std::uint16_t> down_;
 };
 
 }  // namespace tavelle

@@ -1,39 +1,41 @@
 #include "platform/fake/URLSession.h"
 
-#include <functional>
 #include <utility>
 
 namespace tavelle {
-namespace {
 
-struct UntilAnswered {
-  FakeURLSession::Exchange& exchange;
-  Executor& executor;
-
-  bool await_ready() const { return exchange.answers.size() > exchange.inFlight.size(); }
-  void await_suspend(std::coroutine_handle<> waiting) const {
-    exchange.inFlight.emplace_back([this, waiting] { executor.post(waiting); });
-  }
-  void await_resume() const noexcept {}
-};
-
-}  // namespace
-
-void FakeURLSession::Exchange::give(Answer answer) {
+void FakeURLSession::Exchange::give(TransferReply::Outcome answer) {
   answers.push_back(std::move(answer));
-  if (inFlight.empty()) return;
-  const auto resume = std::move(inFlight.front());
-  inFlight.pop_front();
-  resume();
+  deliver();
+}
+
+void FakeURLSession::Exchange::deliver() {
+  while (!answers.empty() && !inFlight.empty()) {
+    inFlight.front()->deliver(std::move(answers.front()));
+    inFlight.pop_front();
+    answers.pop_front();
+  }
 }
 
 Task<URLResult> FakeURLSession::dataForRequest(URLRequest request, Executor& executor) {
-  exchange_.requests.push_back(std::move(request));
-  co_await UntilAnswered{exchange_, executor};
-  auto answer = std::move(exchange_.answers.front());
-  exchange_.answers.pop_front();
-  if (const auto* error = std::get_if<std::exception_ptr>(&answer)) std::rethrow_exception(*error);
-  co_return std::get<URLResult>(std::move(answer));
+  return load(&exchange_, std::move(request), &executor);
+}
+
+Task<URLResult> FakeURLSession::load(Exchange* exchange, URLRequest request, Executor* executor) {
+  // Lives in the coroutine's frame, so that dropping the task ends it too.
+  struct Loading {
+    Exchange* exchange;
+    std::shared_ptr<TransferReply> reply;
+    ~Loading() {
+      if (reply->abandon()) std::erase(exchange->inFlight, reply);
+    }
+  };
+  const Loading loading{exchange, std::make_shared<TransferReply>(*executor)};
+  exchange->requests.push_back(std::move(request));
+  exchange->inFlight.push_back(loading.reply);
+  exchange->deliver();
+  co_await loading.reply->arrival();
+  co_return loading.reply->take();
 }
 
 }  // namespace tavelle

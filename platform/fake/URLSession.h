@@ -1,17 +1,16 @@
 #pragma once
 
+#include "platform/TransferReply.h"
 #include "platform/URLSession.h"
 
-#include <coroutine>
 #include <deque>
-#include <exception>
-#include <variant>
+#include <memory>
 #include <vector>
 
 namespace tavelle {
 
 // Answers requests as the test lays down beforehand, in order; a request for which there is no answer yet stays in
-// flight until one is given.
+// flight until one is given, or until its task is dropped.
 class FakeURLSession : public URLSession {
  public:
   // What sessions have in common: all that a platform makes share one.
@@ -20,15 +19,16 @@ class FakeURLSession : public URLSession {
     std::vector<URLRequest> requests;
 
     void answer(int status, Data body) { give(URLResult{std::move(body), {status}}); }
-    void answerWithoutHTTP() { give(URLResult{}); }
-    void fail(URLError error) { give(std::make_exception_ptr(std::move(error))); }
+    void answerWithoutHTTP(Data body = {}) { give(URLResult{std::move(body), {}}); }
+    void fail(URLError error) { give(std::move(error)); }
 
-    using Answer = std::variant<URLResult, std::exception_ptr>;
-    std::deque<Answer> answers;
-    std::deque<std::function<void()>> inFlight;
+    std::deque<TransferReply::Outcome> answers;  // those that no request has got yet
+    std::deque<std::shared_ptr<TransferReply>> inFlight;
 
    private:
-    void give(Answer answer);
+    friend FakeURLSession;
+    void give(TransferReply::Outcome answer);
+    void deliver();
   };
 
   explicit FakeURLSession(Exchange& exchange) : exchange_(exchange) {}
@@ -36,6 +36,8 @@ class FakeURLSession : public URLSession {
   Task<URLResult> dataForRequest(URLRequest request, Executor& executor) override;
 
  private:
+  static Task<URLResult> load(Exchange* exchange, URLRequest request, Executor* executor);
+
   Exchange& exchange_;
 };
 

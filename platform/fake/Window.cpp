@@ -10,10 +10,20 @@ FakeWindow::FakeWindow(EventLog& log, Rect rect, WindowStyleMask style, BackingS
 }
 
 FakeWindow::~FakeWindow() {
+  letGoOfContent();
+}
+
+view::HeadlessRenderer FakeWindow::makeScreen() {
+  return view::HeadlessRenderer{[this](const view::Event& event) { content_->dispatch(event); }};
+}
+
+void FakeWindow::letGoOfContent() {
   if (content_) content_->attach(nullptr);
 }
 
 void FakeWindow::setContentView(std::shared_ptr<view::Content> content) {
+  letGoOfContent();
+  screen = makeScreen();
   content_ = std::move(content);
   content_->attach(&screen);
 }

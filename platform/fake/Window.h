@@ -31,9 +31,12 @@ class FakeWindow : public Window {
   std::string title;
   bool isReleasedWhenClosed = true;
   bool isVisible = false;
-  view::HeadlessRenderer screen{[this](const view::Event& event) { content_->dispatch(event); }};
+  view::HeadlessRenderer screen{makeScreen()};
 
  private:
+  view::HeadlessRenderer makeScreen();
+  void letGoOfContent();
+
   EventLog& log_;
   std::shared_ptr<view::Content> content_;
 };

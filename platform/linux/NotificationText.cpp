@@ -4,6 +4,8 @@
 
 #include <glib.h>
 
+#include <string_view>
+
 namespace tavelle {
 namespace {
 
@@ -24,6 +26,23 @@ bool isControl(char c) {
   return (byte < 0x20 && c != '\n' && c != '\t') || byte == 0x7F;
 }
 
+// U+0080 to U+009F, of which a terminal takes some for the beginning of a command.
+bool isLatin1Control(std::string_view character) {
+  return character.starts_with('\xC2') && static_cast<unsigned char>(character[1]) < 0xA0;
+}
+
+// A blank in the place of each control character of valid UTF-8.
+std::string withoutControls(std::string_view text) {
+  std::string shown;
+  shown.reserve(text.size());
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    const bool isLongControl = isLatin1Control(text.substr(at));
+    shown += isLongControl || isControl(text[at]) ? ' ' : text[at];
+    if (isLongControl) ++at;
+  }
+  return shown;
+}
+
 }  // namespace
 
 std::string notificationText(const std::string& text, std::size_t mostBytes) {
@@ -31,10 +50,7 @@ std::string notificationText(const std::string& text, std::size_t mostBytes) {
   const bool isCut = text.size() > mostBytes;
   const auto shown = isCut ? boundaryAtOrBefore(text, mostBytes) : text.size();
   const GPtr<> valid{g_utf8_make_valid(text.data(), static_cast<gssize>(shown))};
-  std::string result = valid.get();
-  for (char& c : result) {
-    if (isControl(c)) c = ' ';
-  }
+  auto result = withoutControls(valid.get());
   return isCut ? result + ellipsis : result;
 }
 

@@ -2,10 +2,11 @@
 
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
-#include <new>
+#include <exception>
 #include <string_view>
 #include <utility>
 
@@ -20,9 +21,6 @@ struct Frame {
 };
 
 using Sizes = std::array<std::uint64_t, 2>;
-
-// Of a part: far beyond any text or answer.
-constexpr std::uint64_t largest = 1ULL << 32;
 
 enum class Kind : std::uint64_t { start, cancel, response, responseWithStatus, error };
 
@@ -56,15 +54,25 @@ bool sendFrame(int socket, const std::string& head, std::string_view body) {
   return sendAll(socket, front + head) && sendAll(socket, body);
 }
 
+// Takes memory for what has come, and not for what is promised.
+std::optional<std::string> receivePart(int socket, std::uint64_t size) {
+  constexpr std::uint64_t piece = 1ULL << 20;
+  std::string part;
+  while (part.size() < size) {
+    const auto begin = part.size();
+    part.resize(begin + std::min(piece, size - begin));
+    if (!receiveAll(socket, part.data() + begin, part.size() - begin)) return std::nullopt;
+  }
+  return part;
+}
+
 std::optional<Frame> receiveFrame(int socket) {
   Sizes sizes{};
   if (!receiveAll(socket, reinterpret_cast<char*>(sizes.data()), sizeof sizes)) return std::nullopt;
-  if (sizes[0] > largest || sizes[1] > largest) return std::nullopt;
   try {
-    Frame frame{std::string(sizes[0], '\0'), Data(sizes[1], '\0')};
-    const bool isWhole = receiveAll(socket, frame.head.data(), frame.head.size()) &&
-                         receiveAll(socket, frame.body.data(), frame.body.size());
-    return isWhole ? std::optional{std::move(frame)} : std::nullopt;
+    auto head = receivePart(socket, sizes[0]);
+    auto body = head ? receivePart(socket, sizes[1]) : std::nullopt;
+    return body ? std::optional{Frame{*std::move(head), *std::move(body)}} : std::nullopt;
   } catch (const std::exception&) {
     return std::nullopt;  // there is no memory for it
   }
@@ -106,6 +114,8 @@ class HeadReader {
 
   std::string text() { return std::string{take(number())}; }
 
+  bool hasMore() const { return isSound_ && !rest_.empty(); }
+
   // Whether the head was read to its end, and held all that was asked for.
   bool isDone() const { return isSound_ && rest_.empty(); }
 
@@ -137,7 +147,7 @@ std::optional<StartTransfer> readStart(std::uint64_t id, HeadReader& head, Data 
   auto authorities = head.text();
   const std::chrono::seconds silence{head.number()};
   URLHeaders headers;
-  for (auto left = head.number(); left > 0 && !head.isDone(); --left) {
+  for (auto left = head.number(); left > 0 && head.hasMore(); --left) {
     auto name = head.text();
     headers.emplace_back(std::move(name), head.text());
   }

@@ -30,25 +30,12 @@ class MainActorTest : public testing::Test {
   std::vector<std::string> notes;
 };
 
-TEST_F(MainActorTest, startsATaskOnALaterTurn) {
-  loop.start(noteAround(loop, 150ms, &notes));
-  EXPECT_THAT(notes, ElementsAre());
-  loop.runUntilIdle();
-  EXPECT_THAT(notes, ElementsAre("begun"));
-}
-
 TEST_F(MainActorTest, sleepsAsLongAsItIsToldAndNotLess) {
   loop.start(noteAround(loop, 150ms, &notes));
   loop.advance(149ms);
   EXPECT_THAT(notes, ElementsAre("begun"));
   loop.advance(1ms);
   EXPECT_THAT(notes, ElementsAre("begun", "woken"));
-}
-
-TEST_F(MainActorTest, runsJobsInTheOrderInWhichTheyCame) {
-  for (int i = 0; i < 3; ++i) loop.post([this, i] { notes.push_back(std::to_string(i)); });
-  loop.runUntilIdle();
-  EXPECT_THAT(notes, ElementsAre("0", "1", "2"));
 }
 
 }  // namespace

@@ -37,10 +37,9 @@ class ProviderTest(DesktopTest):
         (request,) = self.stand_in.requests()
         return request
 
-    def fail_with(self, beginning):
+    def fail_with(self, words):
         """One run that fails, and leaves everything as it was."""
-        ended = self.press_and_wait(None, within=30)
-        self.assertTrue(ended.body.startswith(beginning), ended.body)
+        self.press_and_wait(words, within=30)
         self.assert_clipboard_is_back()
         self.assertEqual(self.app.text(), TEXT)
         self.assert_secret_is_kept()
@@ -101,15 +100,20 @@ class Refusals(ProviderTest):
 
     def test_openai_refuses_another_key(self):
         self.set_up("openai", expected="another")
-        self.fail_with('Error: API error (401): {"error":{"message":"Incorrect API key provided')
+        self.fail_with('Error: API error (401): {"error":{"message":"Incorrect API key provided: (not shown).",'
+                       '"type":"invalid_request_error","param":null,"code":"invalid_api_key"}}')  # fmt: skip
 
     def test_anthropic_refuses_a_missing_key(self):
         self.set_up("anthropic", secret=None)
-        self.fail_with('Error: API error (401): {"type":"error","error":{"type":"authentication_error","message":"x-api-key header')
+        self.fail_with('Error: API error (401): {"type":"error","error":{"type":"authentication_error",'
+                       '"message":"x-api-key header is required"},"request_id":"req_stand_in"}')  # fmt: skip
 
     def test_gemini_gets_half_of_a_key_with_an_ampersand(self):
         self.set_up("gemini", secret=f"{SECRET}&more", expected=f"{SECRET}&more")
-        self.fail_with('Error: API error (400): {"error":{"code":400,"message":"API key not valid.')
+        self.fail_with('Error: API error (400): {"error":{"code":400,"message":"API key not valid. Please pass a valid API key.",'
+                       '"status":"INVALID_ARGUMENT","details":[{"@type":"type.googleapis.com/google.rpc.ErrorInfo",'
+                       '"reason":"API_KEY_INVALID","domain":"googleapis.com",'
+                       '"metadata":{"service":"generativelanguage.googleapis.com"}}]}}')  # fmt: skip
 
     def test_the_hosted_service_asks_for_a_sign_in_when_it_refuses_the_token(self):
         self.set_up("tavelle", expected="another")
@@ -153,5 +157,5 @@ class TheShippedProgram(ProviderTest):
         self.tavelle.start().wait_ready()
         self.open()
         self.own_clipboard()
-        self.fail_with("Error: ")
+        self.fail_with("Error: A server with the specified hostname could not be found.")
         self.assertEqual(self.stand_in.requests(), [])

@@ -1,6 +1,7 @@
 #include "platform/linux/x11/FocusWindow.h"
 
-#include <algorithm>
+#include "platform/linux/x11/PropertyValues.h"
+
 #include <string_view>
 
 namespace tavelle::x11 {
@@ -30,11 +31,8 @@ EditingKeys editingKeysOf(Connection& connection, xcb_window_t window) {
     const XcbReply<xcb_get_property_reply_t> property{xcb_get_property_reply(connection, classCookie, nullptr)};
     const XcbReply<xcb_query_tree_reply_t> tree{xcb_query_tree_reply(connection, treeCookie, nullptr)};
     if (property && property->type == XCB_ATOM_STRING && property->format == 8) {
-      const std::string_view both{static_cast<const char*>(xcb_get_property_value(property.get())),
-                                  static_cast<std::size_t>(xcb_get_property_value_length(property.get()))};
-      const auto end = std::min(both.find('\0'), both.size());
-      const auto rest = both.substr(std::min(end + 1, both.size()));
-      return editingKeysOf(both.substr(0, end), rest.substr(0, rest.find('\0')));
+      const auto both = windowClassIn(bytesOf(*property));
+      return editingKeysOf(both.instanceName, both.className);
     }
     if (!tree || window == tree->root) break;
     window = tree->parent;

@@ -1,12 +1,12 @@
 #include "platform/linux/x11/Pasteboard.h"
 
 #include "platform/UTF8.h"
+#include "platform/linux/x11/PropertyValues.h"
 #include "platform/linux/x11/Targets.h"
 #include "platform/linux/x11/TextEncoding.h"
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <utility>
 
 namespace tavelle::x11 {
@@ -14,13 +14,6 @@ namespace {
 
 // The text targets that are read, the best one first.
 constexpr std::array readTextTargets = {targetUTF8String, targetPlainTextUTF8, targetString};
-
-std::vector<xcb_atom_t> atomsIn(const SelectionAnswer& answer) {
-  if (answer.format != 32) return {};
-  std::vector<xcb_atom_t> atoms(answer.data.size() / sizeof(xcb_atom_t));
-  std::memcpy(atoms.data(), answer.data.data(), atoms.size() * sizeof(xcb_atom_t));
-  return atoms;
-}
 
 }  // namespace
 
@@ -54,7 +47,7 @@ Task<std::optional<std::vector<PasteboardType>>> X11Pasteboard::types() {
   auto reading = reader_.read(connection_.atom("TARGETS"));
   const auto answer = co_await reading;
   if (!answer) co_return std::nullopt;
-  co_return namesOf(atomsIn(*answer));
+  co_return namesOf(itemsIn(answer->format, answer->data));
 }
 
 // Those that name contents, each once.
@@ -117,7 +110,7 @@ Task<std::optional<std::string>> X11Pasteboard::readText() {
     auto reading = reader_.read(connection_.atom(name));
     auto answer = co_await reading;
     if (!answer || answer->type == connection_.atom(typeCompoundText)) continue;
-    co_return decode(answer->type, answer->format, std::move(answer->data));
+    co_return textIn(answer->type, answer->format, std::move(answer->data));
   }
   co_return std::nullopt;
 }
@@ -125,16 +118,9 @@ Task<std::optional<std::string>> X11Pasteboard::readText() {
 std::optional<std::string> X11Pasteboard::ownText() {
   for (const auto name : readTextTargets) {
     const auto* const value = owner_.contents()->find(connection_.atom(name));
-    if (value) return decode(value->type, value->format, *value->data);
+    if (value) return textIn(value->type, value->format, *value->data);
   }
   return std::nullopt;
-}
-
-std::optional<std::string> X11Pasteboard::decode(xcb_atom_t type, std::uint8_t format, Data bytes) {
-  if (format != 8) return std::nullopt;
-  if (type == XCB_ATOM_STRING) return utf8FromLatin1(bytes);
-  if (!isUTF8(bytes)) return std::nullopt;
-  return bytes;
 }
 
 void X11Pasteboard::clearContents() {

@@ -50,7 +50,6 @@ class X11Pasteboard final : public Pasteboard {
   std::optional<Data> ownData(xcb_atom_t target);
   std::optional<std::string> ownText();
   Task<std::optional<std::string>> readText();
-  std::optional<std::string> decode(xcb_atom_t type, std::uint8_t format, Data bytes);
   bool offerText(std::string text);
   PropertyFormat formatFor(xcb_atom_t target, std::size_t size) const;
 

@@ -1,10 +1,9 @@
 #include "platform/linux/x11/SelectionOwner.h"
 
+#include "platform/linux/x11/PropertyValues.h"
 #include "platform/linux/x11/Targets.h"
 
 #include <algorithm>
-#include <array>
-#include <cstring>
 #include <vector>
 
 namespace tavelle::x11 {
@@ -137,15 +136,16 @@ bool SelectionOwner::convertMultiple(xcb_window_t requestor, xcb_atom_t property
   const auto cookie =
       xcb_get_property(connection_, 0, requestor, property, XCB_GET_PROPERTY_TYPE_ANY, 0, mostPairs * 2);
   const XcbReply<xcb_get_property_reply_t> reply{xcb_get_property_reply(connection_, cookie, nullptr)};
-  if (!reply || reply->format != 32) return false;
-  std::vector<std::array<xcb_atom_t, 2>> pairs(reply->value_len / 2);
-  if (pairs.empty()) return false;
-  std::memcpy(pairs.data(), xcb_get_property_value(reply.get()), pairs.size() * sizeof pairs.front());
-  for (auto& [target, destination] : pairs) {
+  if (!reply) return false;
+  auto atoms = itemsIn(reply->format, bytesOf(*reply));
+  if (atoms.size() < 2) return false;
+  for (std::size_t at = 0; at + 1 < atoms.size(); at += 2) {
+    const auto target = atoms[at];
+    auto& destination = atoms[at + 1];
     if (target == multiple_ || !convert(requestor, target, destination)) destination = XCB_ATOM_NONE;
   }
   xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, requestor, property, connection_.atom("ATOM_PAIR"), 32,
-                      static_cast<std::uint32_t>(pairs.size() * 2), pairs.data());
+                      static_cast<std::uint32_t>(atoms.size() & ~std::size_t{1}), atoms.data());
   return true;
 }
 

@@ -1,9 +1,10 @@
 #include "platform/linux/x11/SelectionReader.h"
 
+#include "platform/linux/x11/PropertyValues.h"
+
 #include <xcb/xfixes.h>
 
 #include <algorithm>
-#include <cstring>
 #include <string>
 #include <utility>
 
@@ -158,12 +159,10 @@ void SelectionReader::readAnswer(Conversions::iterator at) {
     return finish(at, std::move(answer));
   }
   // The value is a lower bound of the size. That the property went tells the owner to begin.
-  std::uint32_t announced = 0;
-  std::memcpy(&announced, answer.data.data(), std::min(sizeof announced, answer.data.size()));
-  conversion.announcedSize = announced;
+  conversion.announcedSize = announcedSizeIn(answer.data);
   answer.isIncremental = true;
   answer.data.clear();
-  answer.data.reserve(std::min<std::size_t>(announced, largestReservation));
+  answer.data.reserve(std::min(conversion.announcedSize, largestReservation));
   connection_.flush();
 }
 
@@ -196,13 +195,13 @@ std::optional<SelectionReader::Piece> SelectionReader::moveProperty(xcb_atom_t p
                                          offset, wordsOfOneFetch);
     const XcbReply<xcb_get_property_reply_t> reply{xcb_get_property_reply(connection_, cookie, nullptr)};
     if (!reply || reply->type == XCB_ATOM_NONE) return std::nullopt;
-    const auto size = static_cast<std::size_t>(xcb_get_property_value_length(reply.get()));
+    const auto bytes = bytesOf(*reply);
     remaining = reply->bytes_after;
-    if (offset == 0 && remaining > 0) into.reserve(into.size() + size + remaining);
-    into.append(static_cast<const char*>(xcb_get_property_value(reply.get())), size);
+    if (offset == 0 && remaining > 0) into.reserve(into.size() + bytes.size() + remaining);
+    into.append(bytes);
     piece.type = reply->type;
     piece.format = reply->format;
-    piece.size += size;
+    piece.size += bytes.size();
     offset += wordsOfOneFetch;
   } while (remaining > 0 && into.size() <= sizeLimit);
   return piece;

@@ -1,7 +1,8 @@
 #include "platform/linux/x11/WindowPing.h"
 
+#include "platform/linux/x11/PropertyValues.h"
+
 #include <algorithm>
-#include <span>
 #include <utility>
 
 namespace tavelle::x11 {
@@ -79,10 +80,7 @@ xcb_window_t WindowPing::pingableWindow(xcb_window_t window) const {
     const XcbReply<xcb_get_property_reply_t> protocols{xcb_get_property_reply(xcb, protocolsCookie, nullptr)};
     const XcbReply<xcb_get_property_reply_t> state{xcb_get_property_reply(xcb, stateCookie, nullptr)};
     const XcbReply<xcb_query_tree_reply_t> tree{xcb_query_tree_reply(xcb, treeCookie, nullptr)};
-    if (protocols && protocols->format == 32) {
-      const auto* const atoms = static_cast<const xcb_atom_t*>(xcb_get_property_value(protocols.get()));
-      if (std::ranges::count(std::span{atoms, protocols->value_len}, ping_) > 0) return window;
-    }
+    if (protocols && std::ranges::count(itemsIn(protocols->format, bytesOf(*protocols)), ping_) > 0) return window;
     if (!tree || (state && state->type != XCB_ATOM_NONE)) break;  // gone, or the application's own window
     window = tree->parent;
   }

@@ -1,37 +1,14 @@
 #include "platform/linux/LinuxPlatform.h"
 
+#include "tests/support/Environment.h"
+
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <optional>
 #include <string>
 
 namespace tavelle::tests {
 namespace {
-
-// An environment variable with another value, or none, for a while.
-class Variable {
- public:
-  Variable(const char* name, const char* value) : name_(name) {
-    if (const char* const before = std::getenv(name)) before_ = before;
-    set(value);
-  }
-  ~Variable() { set(before_ ? before_->c_str() : nullptr); }
-  Variable(const Variable&) = delete;
-  Variable& operator=(const Variable&) = delete;
-
- private:
-  void set(const char* value) const {
-    if (value) {
-      setenv(name_, value, 1);
-    } else {
-      unsetenv(name_);
-    }
-  }
-
-  const char* name_;
-  std::optional<std::string> before_;
-};
 
 // What a start with `arguments` says on standard error. It must not get as far as a platform.
 std::string refusalOf(std::vector<std::string> arguments = {"tavelle"}) {
@@ -46,25 +23,22 @@ std::string refusalOf(std::vector<std::string> arguments = {"tavelle"}) {
 }
 
 TEST(LinuxPlatform, saysThatItNeedsADisplay) {
-  const Variable display{"DISPLAY", nullptr};
-  const Variable wayland{"WAYLAND_DISPLAY", nullptr};
+  const Environment environment{{{"DISPLAY", std::nullopt}, {"WAYLAND_DISPLAY", std::nullopt}}};
   EXPECT_EQ(refusalOf(), "Tavelle needs an X11 desktop session: no display found (DISPLAY is not set).\n");
 }
 
 TEST(LinuxPlatform, saysWhichDisplayDoesNotAnswer) {
-  const Variable display{"DISPLAY", ":54321"};
-  const Variable wayland{"WAYLAND_DISPLAY", nullptr};
+  const Environment environment{{{"DISPLAY", ":54321"}, {"WAYLAND_DISPLAY", std::nullopt}}};
   EXPECT_EQ(refusalOf(), "Tavelle needs an X11 desktop session: no display found (nothing answers on :54321).\n");
 }
 
 TEST(LinuxPlatform, saysThatItDoesNotWorkOnWaylandAlone) {
-  const Variable display{"DISPLAY", nullptr};
-  const Variable wayland{"WAYLAND_DISPLAY", "wayland-0"};
+  const Environment environment{{{"DISPLAY", std::nullopt}, {"WAYLAND_DISPLAY", "wayland-0"}}};
   EXPECT_NE(refusalOf().find("Wayland"), std::string::npos);
 }
 
 TEST(LinuxPlatform, answersItsCommandLineWithoutADisplay) {
-  const Variable display{"DISPLAY", nullptr};
+  const Environment environment{{{"DISPLAY", std::nullopt}}};
   std::string arguments[] = {"tavelle", "--version"};
   char* pointers[] = {arguments[0].data(), arguments[1].data()};
   testing::internal::CaptureStdout();

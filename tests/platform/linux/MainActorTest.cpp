@@ -1,11 +1,11 @@
 #include "platform/linux/MainActor.h"
 
+#include "tests/platform/contracts/MainActorContract.h"
 #include "tests/platform/linux/MainLoop.h"
 
 #include <gtest/gtest.h>
 
 #include <ctime>
-#include <numeric>
 #include <thread>
 #include <vector>
 
@@ -20,29 +20,15 @@ std::chrono::nanoseconds continuousClock() {
   return std::chrono::seconds{time.tv_sec} + std::chrono::nanoseconds{time.tv_nsec};
 }
 
-Task<void> recordSleep(MainActor& actor, std::chrono::milliseconds duration, std::chrono::nanoseconds& slept) {
-  const auto start = continuousClock();
-  co_await actor.sleep(duration);
-  slept = continuousClock() - start;
-}
+struct GLibLoop {
+  MainActor& actor() { return loop; }
+  static std::chrono::nanoseconds now() { return continuousClock(); }
+  static bool waitUntil(const std::function<bool()>& isTrue) { return tests::waitUntil(isTrue); }
 
-TEST(GLibMainActor, runsPostedJobsInTheirOrder) {
-  GLibMainActor actor;
-  std::vector<int> ran;
-  for (int job = 0; job < 100; ++job) actor.post([&ran, job] { ran.push_back(job); });
-  ASSERT_TRUE(waitUntil([&] { return ran.size() == 100; }));
-  std::vector<int> expected(100);
-  std::iota(expected.begin(), expected.end(), 0);
-  EXPECT_EQ(ran, expected);
-}
+  GLibMainActor loop;
+};
 
-TEST(GLibMainActor, runsNothingBeforePostReturned) {
-  GLibMainActor actor;
-  bool hasRun = false;
-  actor.post([&] { hasRun = true; });
-  EXPECT_FALSE(hasRun);
-  EXPECT_TRUE(waitUntil([&] { return hasRun; }));
-}
+INSTANTIATE_TYPED_TEST_SUITE_P(GLib, MainActorContract, GLibLoop);
 
 TEST(GLibMainActor, runsAJobPostedByAJobInALaterTurn) {
   GLibMainActor actor;
@@ -86,42 +72,6 @@ TEST(GLibMainActor, wakesALoopThatWaits) {
   std::jthread other{[&] { actor.post([&] { ranOn = std::this_thread::get_id(); }); }};
   ASSERT_TRUE(waitUntil([&] { return ranOn != std::thread::id{}; }));
   EXPECT_EQ(ranOn, std::this_thread::get_id());
-}
-
-TEST(GLibMainActor, neverWakesASleeperEarly) {
-  GLibMainActor actor;
-  for (const auto duration : {0ms, 1ms, 2ms, 7ms, 20ms}) {
-    std::chrono::nanoseconds slept{-1};
-    actor.start(recordSleep(actor, duration, slept));
-    ASSERT_TRUE(waitUntil([&] { return slept.count() >= 0; }));
-    EXPECT_GE(slept, duration);
-  }
-}
-
-TEST(GLibMainActor, wakesSleepersInTheOrderOfTheirDeadlines) {
-  GLibMainActor actor;
-  std::vector<int> woke;
-  actor.postAfter(9ms, [&] { woke.push_back(3); });
-  actor.postAfter(1ms, [&] { woke.push_back(1); });
-  actor.postAfter(5ms, [&] { woke.push_back(2); });
-  ASSERT_TRUE(waitUntil([&] { return woke.size() == 3; }));
-  EXPECT_EQ(woke, (std::vector{1, 2, 3}));
-}
-
-TEST(GLibMainActor, takesDelaysOfAnySize) {
-  GLibMainActor actor;
-  bool hasWoken = false;
-  actor.postAfter(std::chrono::milliseconds::max(), [] { FAIL() << "woke ages early"; });
-  actor.postAfter(std::chrono::milliseconds::min(), [&] { hasWoken = true; });
-  EXPECT_TRUE(waitUntil([&] { return hasWoken; }));
-}
-
-TEST(GLibMainActor, servesASleeperThatComesWhileAnotherSleepsLonger) {
-  GLibMainActor actor;
-  bool hasWoken = false;
-  actor.postAfter(1h, [] { FAIL() << "woke an hour early"; });
-  actor.postAfter(1ms, [&] { hasWoken = true; });
-  EXPECT_TRUE(waitUntil([&] { return hasWoken; }));
 }
 
 TEST(GLibMainActor, leavesTheLoopIdleWhenItHasNoJob) {

@@ -42,6 +42,8 @@ TEST(NotificationText, replacesWhatIsNoUTF8) {
 TEST(NotificationText, replacesNULsAndControlCharacters) {
   EXPECT_EQ(notificationText(std::string("a\0b", 3), plenty), "a\uFFFDb");
   EXPECT_EQ(notificationText("bell \a escape \x1b delete \x7f", plenty), "bell   escape   delete  ");
+  EXPECT_EQ(notificationText("next line \u0085 command \u009B31m no-break space \u00A0", plenty),
+            "next line   command  31m no-break space \u00A0");
 }
 
 TEST(NotificationText, escapesWhatMarkupWouldRead) {

@@ -1,27 +1,23 @@
 #include "platform/linux/SerialExecutor.h"
 
 #include "platform/linux/MainActor.h"
+#include "tests/platform/contracts/SerialExecutorContract.h"
 #include "tests/platform/linux/MainLoop.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <atomic>
-#include <stdexcept>
+#include <pthread.h>
+
+#include <memory>
 #include <string>
+#include <system_error>
 #include <thread>
-#include <vector>
 
 namespace tavelle::tests {
 namespace {
 
 Task<std::thread::id> ownThread() {
   co_return std::this_thread::get_id();
-}
-
-Task<int> failure() {
-  throw std::runtime_error{"failed"};
-  co_return 0;
 }
 
 struct Outcome {
@@ -32,14 +28,8 @@ struct Outcome {
 };
 
 Task<void> runOwnThread(SerialExecutor& executor, MainActor& home, Outcome& outcome) {
-  outcome.ranOn = co_await executor.run(ownThread(), home);
-  outcome.resumedOn = std::this_thread::get_id();
-  outcome.isThere = true;
-}
-
-Task<void> runFailure(SerialExecutor& executor, MainActor& home, Outcome& outcome) {
   try {
-    co_await executor.run(failure(), home);
+    outcome.ranOn = co_await executor.run(ownThread(), home);
   } catch (const std::exception& error) {
     outcome.error = error.what();
   }
@@ -47,24 +37,64 @@ Task<void> runFailure(SerialExecutor& executor, MainActor& home, Outcome& outcom
   outcome.isThere = true;
 }
 
-TEST(LinuxSerialExecutor, runsJobsOneAtATimeInTheirOrder) {
-  constexpr int count = 5'000;
-  std::vector<int> ran;  // no lock: that is what serial means
-  std::atomic<int> inside = 0;
-  std::atomic<bool> didOverlap = false;
+struct ExecutorOnAThread {
+  SerialExecutor& executor() { return *own; }
+  void endExecutor() { own.reset(); }
+  MainActor& home() { return loop; }
+  static bool waitUntil(const std::function<bool()>& isTrue) { return tests::waitUntil(isTrue); }
+
+  GLibMainActor loop;
+  std::unique_ptr<SerialExecutor> own = std::make_unique<LinuxSerialExecutor>();
+};
+
+INSTANTIATE_TYPED_TEST_SUITE_P(OnAThread, SerialExecutorContract, ExecutorOnAThread);
+
+// While it lives, the system has no thread to give: each wants a stack of more than there are addresses.
+class NoThreads {
+ public:
+  NoThreads() {
+    pthread_getattr_default_np(&before_);
+    pthread_attr_t enormous;
+    pthread_attr_init(&enormous);
+    pthread_attr_setstacksize(&enormous, std::size_t{1} << 48);
+    pthread_setattr_default_np(&enormous);
+    pthread_attr_destroy(&enormous);
+  }
+  ~NoThreads() {
+    pthread_setattr_default_np(&before_);
+    pthread_attr_destroy(&before_);
+  }
+  NoThreads(const NoThreads&) = delete;
+  NoThreads& operator=(const NoThreads&) = delete;
+
+ private:
+  pthread_attr_t before_{};
+};
+
+TEST(LinuxSerialExecutor, takesNoJobWhereThereIsNoThreadAndGoesOnOnceThereIs) {
+  bool hasRefusedRun = false;
+  bool hasRun = false;
   {
     LinuxSerialExecutor executor;
-    for (int job = 0; job < count; ++job) {
-      executor.post([&, job] {
-        if (++inside != 1) didOverlap = true;
-        ran.push_back(job);
-        --inside;
-      });
+    {
+      const NoThreads none;
+      EXPECT_THROW(executor.post([&] { hasRefusedRun = true; }), std::system_error);
     }
+    executor.post([&] { hasRun = true; });
   }
-  EXPECT_EQ(ran.size(), count);
-  EXPECT_TRUE(std::is_sorted(ran.begin(), ran.end()));
-  EXPECT_FALSE(didOverlap);
+  EXPECT_TRUE(hasRun);
+  EXPECT_FALSE(hasRefusedRun);
+}
+
+TEST(LinuxSerialExecutor, bringsHomeThatThereIsNoThread) {
+  GLibMainActor home;
+  LinuxSerialExecutor executor;
+  const NoThreads none;
+  Outcome outcome;
+  home.start(runOwnThread(executor, home, outcome));
+  ASSERT_TRUE(waitUntil([&] { return outcome.isThere; }));
+  EXPECT_EQ(outcome.error, "Resource temporarily unavailable");
+  EXPECT_EQ(outcome.resumedOn, std::this_thread::get_id());
 }
 
 TEST(LinuxSerialExecutor, runsWorkOffTheMainThreadAndComesHome) {
@@ -75,35 +105,6 @@ TEST(LinuxSerialExecutor, runsWorkOffTheMainThreadAndComesHome) {
   ASSERT_TRUE(waitUntil([&] { return outcome.isThere; }));
   EXPECT_NE(outcome.ranOn, std::this_thread::get_id());
   EXPECT_EQ(outcome.resumedOn, std::this_thread::get_id());
-}
-
-TEST(LinuxSerialExecutor, bringsErrorsHome) {
-  GLibMainActor home;
-  LinuxSerialExecutor executor;
-  Outcome outcome;
-  home.start(runFailure(executor, home, outcome));
-  ASSERT_TRUE(waitUntil([&] { return outcome.isThere; }));
-  EXPECT_EQ(outcome.error, "failed");
-  EXPECT_EQ(outcome.resumedOn, std::this_thread::get_id());
-}
-
-TEST(LinuxSerialExecutor, startsAgainWheneverItWasIdle) {
-  GLibMainActor home;
-  LinuxSerialExecutor executor;
-  for (int burst = 0; burst < 500; ++burst) {
-    int ran = 0;
-    for (int job = 0; job < 3; ++job) executor.post([&] { home.post([&] { ++ran; }); });
-    ASSERT_TRUE(waitUntil([&] { return ran == 3; }));
-  }
-}
-
-TEST(LinuxSerialExecutor, finishesWhatWasPostedBeforeItEnds) {
-  bool hasRun = false;
-  {
-    LinuxSerialExecutor executor;
-    executor.post([&] { hasRun = true; });
-  }
-  EXPECT_TRUE(hasRun);
 }
 
 }  // namespace

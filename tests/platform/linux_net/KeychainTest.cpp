@@ -1,8 +1,8 @@
 #include "platform/linux/Keychain.h"
 
 #include "tests/platform/contracts/KeychainContract.h"
-#include "tests/platform/linux_net/Environment.h"
 #include "tests/platform/linux_net/Keyring.h"
+#include "tests/support/Environment.h"
 
 #include <gtest/gtest.h>
 #include <sys/socket.h>

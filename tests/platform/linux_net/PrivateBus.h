@@ -1,8 +1,8 @@
 #pragma once
 
 #include "tests/platform/linux/TemporaryFolder.h"
-#include "tests/platform/linux_net/Environment.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/Environment.h"
 
 #include <string>
 

@@ -18,12 +18,6 @@ class LinuxURLSessionFailureTest : public URLSessionFixture {
   Load startImpatiently(URLRequest request) { return Load{impatient_, std::move(request), executor_}; }
 };
 
-TEST_F(LinuxURLSessionFailureTest, refusedConnection) {
-  const auto error = failure(chat("http://127.0.0.1:" + std::to_string(closedPort()) + "/v1"));
-  EXPECT_EQ(error.code(), Code::cannotConnectToHost);
-  EXPECT_EQ(error.errorDescription(), "Could not connect to the server.");
-}
-
 TEST_F(LinuxURLSessionFailureTest, unknownHost) {
   const auto error = failure(chat("http://nonexistent.invalid/v1"));
   EXPECT_EQ(error.code(), Code::cannotFindHost);

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/linux/URLSession.h"
-#include "tests/platform/linux_net/Load.h"
+#include "tests/support/Load.h"
 #include "tests/support/StandIn.h"
 
 #include <gtest/gtest.h>

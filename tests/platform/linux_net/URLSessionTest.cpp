@@ -1,6 +1,6 @@
-#include "tests/platform/linux_net/Environment.h"
 #include "tests/platform/linux_net/TestAuthority.h"
 #include "tests/platform/linux_net/URLSessionFixture.h"
+#include "tests/support/Environment.h"
 
 #include <nlohmann/json.hpp>
 
@@ -76,19 +76,6 @@ TEST_F(LinuxURLSessionTest, sendsAHeaderWithAnEmptyValue) {
   EXPECT_TRUE(server.requests().at(0).hasHeader("x-blank"));
 }
 
-TEST_F(LinuxURLSessionTest, resumesOnTheExecutor) {
-  const StandIn server;
-  auto loading = start(chat(server.baseURL()));
-  EXPECT_FALSE(loading.isDone());
-  loading.result();
-  EXPECT_EQ(loading.resumedOn(), std::this_thread::get_id());
-
-  auto failing = start(post("/chat/completions", ""));
-  EXPECT_FALSE(failing.isDone());
-  failing.error();
-  EXPECT_EQ(failing.resumedOn(), std::this_thread::get_id());
-}
-
 TEST_F(LinuxURLSessionTest, givesEveryStatusWithItsBody) {
   const StandIn server;
   for (const int status : {200, 201, 204, 400, 401, 404, 429, 500, 503}) {
@@ -105,13 +92,6 @@ TEST_F(LinuxURLSessionTest, givesAnswersOfAnyBytes) {
   EXPECT_NE(answer(load(chat(server.baseURLBehaving("odd-text")))).find(std::string("\0 a NUL", 7)), std::string::npos);
   const auto bytes = load(chat(server.baseURLBehaving("body=a%00b"))).data;
   EXPECT_EQ(bytes, std::string("a\0b", 3));
-}
-
-TEST_F(LinuxURLSessionTest, takesAResponseThatIsNotHttpForOneWithoutAStatus) {
-  const StandIn server;
-  const auto result = load(chat(server.baseURLBehaving("garbage=What%3F")));
-  EXPECT_EQ(result.response.statusCode, std::nullopt);
-  EXPECT_EQ(result.data, "What?");
 }
 
 TEST_F(LinuxURLSessionTest, decodesCompressedAndChunkedBodies) {
@@ -298,26 +278,6 @@ TEST_F(LinuxURLSessionTest, failsATaskThatIsStartedAfterTheSessionsEnd) {
   } late{session->dataForRequest(chat("http://127.0.0.1/v1"), executor_)};
   session.reset();
   EXPECT_EQ((Load{late, chat("http://127.0.0.1/v1"), executor_}.error().code()), URLError::Code::cancelled);
-}
-
-TEST_F(LinuxURLSessionTest, callsATransferOffWhenItsTaskIsDropped) {
-  const StandIn server;
-  {
-    const auto dropped = start(chat(server.baseURLBehaving("silence")));
-    ASSERT_EQ(server.waitForRequests(1).size(), 1u);
-  }
-  EXPECT_EQ(load(chat(server.baseURL())).response.statusCode, 200);
-  EXPECT_EQ(executor_.waiting(), 0u);
-}
-
-TEST_F(LinuxURLSessionTest, resumesNothingWhenATaskIsDroppedAfterItsReplyHasCome) {
-  const StandIn server;
-  {
-    const auto dropped = start(chat(server.baseURL()));
-    ASSERT_TRUE(executor_.waitForJob());
-  }
-  EXPECT_EQ(executor_.waiting(), 1u);
-  EXPECT_EQ(load(chat(server.baseURL())).response.statusCode, 200);
 }
 
 }  // namespace

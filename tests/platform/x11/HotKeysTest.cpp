@@ -1,4 +1,3 @@
-#include "platform/linux/x11/Accessibility.h"
 #include "tests/platform/x11/EventLoop.h"
 #include "tests/platform/x11/KeyBackend.h"
 #include "tests/platform/x11/KeyWindow.h"
@@ -59,14 +58,6 @@ class HotKeys : public testing::Test {
 
 std::optional<XServer> HotKeys::server;
 
-TEST_F(HotKeys, tellWhichOneWasPressed) {
-  ASSERT_EQ(backend.registerHotKey(kVK_ANSI_X, superShift, 1), noErr);
-  ASSERT_EQ(backend.registerHotKey(kVK_ANSI_Y, optionKey | controlKey, 2), noErr);
-  EXPECT_EQ(pressesOf({keySuper, keyShift, keyX}, 1), 1u);
-  EXPECT_EQ(pressesOf({keyControl, keyAlt, keyY}, 1), 1u);
-  EXPECT_EQ(backend.presses, (std::vector<EventHotKeyID>{{testSignature, 1}, {testSignature, 2}}));
-}
-
 TEST_F(HotKeys, wantExactlyTheirModifiers) {
   ASSERT_EQ(backend.registerHotKey(kVK_ANSI_X, superShift, 1), noErr);
   EXPECT_EQ(pressesOf({keySuper, keyX}, 0), 0u);
@@ -117,14 +108,6 @@ TEST_F(HotKeys, keepNothingOfACombinationThatIsHeldWithOneLockOnly) {
   EXPECT_TRUE(other.grabKey(keyX, superShiftMask | XCB_MOD_MASK_LOCK));
 }
 
-TEST_F(HotKeys, areRefusedASecondTime) {
-  EXPECT_EQ(backend.registerHotKey(kVK_ANSI_X, superShift, 1), noErr);
-  EXPECT_EQ(backend.registerHotKey(kVK_ANSI_X, superShift, 2), eventHotKeyExistsErr);
-  EXPECT_EQ(backend.registerHotKey(kVK_ANSI_X, cmdKey, 3), noErr);
-  EXPECT_EQ(pressesOf({keySuper, keyShift, keyX}, 1), 1u);
-  EXPECT_EQ(backend.presses.front().id, 1u);
-}
-
 TEST_F(HotKeys, areFreeForOthersOnceUnregistered) {
   ASSERT_EQ(backend.registerHotKey(kVK_ANSI_X, superShift, 1), noErr);
   EXPECT_FALSE(other.grabKey(keyX, superShiftMask));
@@ -133,16 +116,6 @@ TEST_F(HotKeys, areFreeForOthersOnceUnregistered) {
   EXPECT_TRUE(other.grabKey(keyX, superShiftMask));
   EXPECT_TRUE(other.grabKey(keyX, superShiftMask | XCB_MOD_MASK_LOCK | XCB_MOD_MASK_2));
   EXPECT_EQ(backend.carbonEvents.unregisterEventHotKey(backend.hotKeys.front()), paramErr);
-}
-
-TEST_F(HotKeys, canBeRegisteredAgain) {
-  for (std::uint32_t round = 1; round <= 3; ++round) {
-    ASSERT_EQ(backend.registerHotKey(kVK_ANSI_X, superShift, round), noErr);
-    EXPECT_EQ(pressesOf({keySuper, keyShift, keyX}, 1), 1u);
-    EXPECT_EQ(backend.presses.back().id, round);
-    EXPECT_EQ(backend.carbonEvents.unregisterEventHotKey(backend.hotKeys.back()), noErr);
-  }
-  EXPECT_EQ(pressesOf({keySuper, keyShift, keyX}, 0), 0u);
 }
 
 TEST_F(HotKeys, mayBeUnregisteredByTheirOwnHandler) {
@@ -193,12 +166,6 @@ TEST_F(HotKeys, giveTheirIdentityToWhoeverAsksForItAsItIs) {
   const auto missing = eventParameterNotFoundErr;
   EXPECT_EQ(asked.statuses, (std::vector<OSStatus>{missing, missing, missing, missing, noErr}));
   EXPECT_EQ(asked.id, (EventHotKeyID{testSignature, 7}));
-}
-
-TEST_F(HotKeys, haveNoIdentityWithoutAnEvent) {
-  EventHotKeyID id{};
-  EXPECT_EQ(backend.carbonEvents.getEventParameter(nullptr, kEventParamDirectObject, typeEventHotKeyID, 8, &id),
-            paramErr);
 }
 
 TEST_F(HotKeys, goToTheHandlerInstalledLastUnlessItDeclines) {
@@ -275,12 +242,6 @@ TEST_F(HotKeys, areNotGrabbedAnewForAMereChangeOfLetters) {
     settle(*backend.connection);
   }
   EXPECT_EQ(changes, 0);
-}
-
-TEST_F(HotKeys, areTrustedWhereTheServerTakesSyntheticKeys) {
-  X11Accessibility accessibility{*backend.connection};
-  EXPECT_TRUE(accessibility.isProcessTrusted());
-  EXPECT_TRUE(accessibility.isProcessTrustedWithOptions({{trustedCheckOptionPrompt, true}}));
 }
 
 }  // namespace

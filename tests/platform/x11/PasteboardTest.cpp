@@ -220,18 +220,6 @@ TEST_F(PasteboardTest, readsItsOwnContentsWithoutWaiting) {
   EXPECT_EQ(data("not/there"), std::nullopt);
 }
 
-TEST_F(PasteboardTest, refusesToWriteOnceAnotherProgramHasTakenOver) {
-  EXPECT_FALSE(pasteboard->setString("never cleared", pasteboardTypeString));
-  write("mine");
-  PeerOwner owner;
-  owner.offer("UTF8_STRING", "theirs");
-  owner.own();
-  settle(*connection);
-  EXPECT_FALSE(pasteboard->setData("late", "UTF8_STRING"));
-  EXPECT_FALSE(pasteboard->setString("late", pasteboardTypeString));
-  EXPECT_EQ(text(), "theirs");
-}
-
 TEST_F(PasteboardTest, ignoresNewsOfALossThatIsMadeGood) {
   write("first");
   PeerOwner owner;

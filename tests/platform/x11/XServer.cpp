@@ -19,15 +19,18 @@ namespace {
 constexpr int startLimitMilliseconds = 30'000;
 
 // Never returns: becomes the server, which writes the number of its display to `out`.
-[[noreturn]] void becomeServer(int out, pid_t parent) {
+[[noreturn]] void becomeServer(int out, pid_t parent, const std::vector<std::string>& more) {
   prctl(PR_SET_PDEATHSIG, SIGKILL);
   if (getppid() != parent) _exit(1);
   const std::string fd = std::to_string(out);
   // It complains about every display that other tests' servers have taken, on its way to a free one.
   dup2(open("/dev/null", O_WRONLY | O_CLOEXEC), STDERR_FILENO);
   // -noreset: without it the server starts afresh, atoms forgotten, whenever its last client leaves.
-  execlp("Xvfb", "Xvfb", "-displayfd", fd.c_str(), "-screen", "0", "1024x768x24", "-nolisten", "tcp", "-noreset",
-         nullptr);
+  std::vector<const char*> arguments{"Xvfb",        "-displayfd", fd.c_str(), "-screen", "0",
+                                     "1024x768x24", "-nolisten",  "tcp",      "-noreset"};
+  for (const auto& each : more) arguments.push_back(each.c_str());
+  arguments.push_back(nullptr);
+  execvp("Xvfb", const_cast<char**>(arguments.data()));
   _exit(127);
 }
 
@@ -45,14 +48,14 @@ std::string readLine(int in) {
 
 }  // namespace
 
-XServer::XServer() {
+XServer::XServer(const std::vector<std::string>& arguments) {
   std::array<int, 2> ends{};
   if (pipe(ends.data()) != 0) fatalError("no pipe for the test's X server");
   const pid_t parent = getpid();
   process_ = fork();
   if (process_ == 0) {
     close(ends[0]);
-    becomeServer(ends[1], parent);
+    becomeServer(ends[1], parent, arguments);
   }
   close(ends[1]);
   const std::string number = readLine(ends[0]);

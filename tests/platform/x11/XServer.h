@@ -3,6 +3,7 @@
 #include <sys/types.h>
 
 #include <string>
+#include <vector>
 
 namespace tavelle::x11::tests {
 
@@ -10,8 +11,8 @@ namespace tavelle::x11::tests {
 // process, and ended with the object. It ends with the process too, should that crash.
 class XServer {
  public:
-  // Ends the test program where no server starts.
-  XServer();
+  // Ends the test program where no server starts. `arguments` are more of its command line.
+  explicit XServer(const std::vector<std::string>& arguments = {});
   ~XServer();
   XServer(const XServer&) = delete;
   XServer& operator=(const XServer&) = delete;

@@ -1,4 +1,4 @@
-#include "tests/platform/linux_net/Load.h"
+#include "tests/support/Load.h"
 
 #include <coroutine>
 #include <exception>

@@ -7,18 +7,25 @@
 
 namespace tavelle::tests {
 
-// Environment variables, set for the life of this object.
+// Environment variables with other values, or none, for the life of this object.
 class Environment {
  public:
-  explicit Environment(const std::map<std::string, std::string>& values) {
+  using Values = std::map<std::string, std::optional<std::string>>;
+
+  explicit Environment(const Values& values) {
     for (const auto& [name, value] : values) {
       const char* before = std::getenv(name.c_str());
       before_[name] = before ? std::optional<std::string>{before} : std::nullopt;
-      setenv(name.c_str(), value.c_str(), 1);
     }
+    set(values);
   }
-  ~Environment() {
-    for (const auto& [name, value] : before_) {
+  ~Environment() { set(before_); }
+  Environment(const Environment&) = delete;
+  Environment& operator=(const Environment&) = delete;
+
+ private:
+  static void set(const Values& values) {
+    for (const auto& [name, value] : values) {
       if (value) {
         setenv(name.c_str(), value->c_str(), 1);
       } else {
@@ -26,11 +33,8 @@ class Environment {
       }
     }
   }
-  Environment(const Environment&) = delete;
-  Environment& operator=(const Environment&) = delete;
 
- private:
-  std::map<std::string, std::optional<std::string>> before_;
+  Values before_;
 };
 
 }  // namespace tavelle::tests

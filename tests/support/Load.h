@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/URLSession.h"
-#include "tests/platform/linux_net/QueueExecutor.h"
+#include "tests/support/QueueExecutor.h"
 
 #include <memory>
 #include <optional>
