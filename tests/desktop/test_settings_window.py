@@ -1,41 +1,11 @@
 """The settings window on the screen: opened, read as a screen reader reads it, and used by pointer and keys."""
 
-import json
-import os
-import signal
-
-from tavelle_desktop.journey import DONE, TEXT, DesktopTest
+from tavelle_desktop.journey import DONE, TEXT
 from tavelle_desktop.model import reworded
-from tavelle_desktop.product import APPLICATION_ID, Profile
-from tavelle_desktop.session import Options
-from tavelle_desktop.settings_window import SettingsWindow
+from tavelle_desktop.product import Profile
+from tavelle_desktop.settings_journey import SettingsWindowTest
 from tavelle_desktop.tray import MIDDLE, Tray
 from tavelle_desktop.waiting import wait_until
-
-
-class SettingsWindowTest(DesktopTest):
-    options = Options(accessibility=True)
-
-    def setUp(self):
-        super().setUp()
-        self.start_tavelle()
-        self.settings = SettingsWindow(self.desktop, self.tavelle)
-
-    def stored(self):
-        return json.loads(self.tavelle.settings_file.read_text(encoding="utf-8"))
-
-    def wait_for_stored(self, what, is_stored):
-        wait_until(lambda: is_stored(self.stored()), lambda: f"{what} is stored; stored is {self.stored()}")
-
-    def stored_key(self):
-        return self.desktop.processes.run("secret-tool", "lookup", "service", APPLICATION_ID, "account", "apiKey_custom", check=False)
-
-    def restart_tavelle(self):
-        self.tavelle.end_kindly()
-        self.reader.take("CLIPBOARD")  # or it would stay for as long as the person may want to paste
-        wait_until(lambda: not self.tavelle.runs(), "Tavelle has ended")
-        self.settings.wait_for_closed()  # its renderer ends after it
-        self.tavelle.start().wait_ready()
 
 
 class Window(SettingsWindowTest):
@@ -76,6 +46,14 @@ class Window(SettingsWindowTest):
                    lambda: f"the window where it stood; it is at {self.settings.place}")  # fmt: skip
         self.assertTrue(self.settings.element("page tab", "Provider").is_("selected"))
 
+    def test_asked_for_again_it_comes_to_the_front_with_the_keyboard(self):
+        self.settings.open()
+        for ask in (self.settings.ask_for, lambda: Tray(self.desktop).choose(MIDDLE)):
+            other = self.scripted()
+            self.desktop.screen.activate(other.window)
+            ask()
+            wait_until(lambda: self.desktop.screen.has_keyboard(self.settings.window), "the settings window has the keyboard")
+
     def test_the_keyboard_alone_reaches_every_control(self):
         self.settings.open()
         self.settings.choose_tab("About")
@@ -90,31 +68,6 @@ class Window(SettingsWindowTest):
             return wanted <= seen
 
         wait_until(all_seen, lambda: f"the focus on each of {wanted - seen}", within=60, every=0.1)
-
-
-class Renderer(SettingsWindowTest):
-    def test_killed_it_is_told_and_the_hotkeys_go_on_and_it_opens_again_as_it_was(self):
-        self.settings.open()
-        self.settings.choose_tab("Provider")
-        os.kill(self.settings.renderer(), signal.SIGKILL)
-        self.desktop.notifications.wait_for_one(
-            lambda one: one.body == "The settings window has ended. Open it again.", "that the window is gone")  # fmt: skip
-        self.settings.wait_for_closed()
-        self.assertIn("Tavelle: The settings window has ended.", self.tavelle.output())
-        self.open()
-        self.own_clipboard()
-        self.press_and_wait()
-        self.assertEqual(self.app.text(), reworded(TEXT))
-        self.settings.open()
-        self.assertTrue(self.settings.element("page tab", "Provider").is_("selected"))
-
-    def test_it_ends_with_tavelle(self):
-        self.settings.open()
-        self.tavelle.end_kindly()
-        wait_until(lambda: not self.settings.renderer(), "the renderer has ended")
-
-    def test_it_is_not_there_before_the_window_is_opened(self):
-        self.assertIsNone(self.settings.renderer())
 
 
 class General(SettingsWindowTest):
@@ -185,13 +138,13 @@ class Provider(SettingsWindowTest):
         return super().start_tavelle(profiles, provider="openAI", base_url="https://api.openai.com/v1", model="gpt-4o")
 
     def test_a_provider_is_chosen_its_key_kept_in_the_keyring_and_the_connection_tested(self):
-        self.settings.choose_last("Provider:", "Custom")
+        self.settings.choose_provider("Custom")
         self.settings.wait_for_text("Base URL:", "")
         self.settings.type_into("Base URL:", self.model.url)
         self.settings.type_into("Model:", "stand-in")
         self.settings.select_all("API Key:")  # which the desktop's keyring starts with
         self.desktop.keyboard.type("typed key")
-        wait_until(lambda: self.stored_key() == "typed key", lambda: f"the key in the keyring; it holds {self.stored_key()!r}")
+        self.wait_for_key("typed key")
         self.settings.press("Test Connection")
         self.settings.wait_for_label(lambda text: text == f'Success: "{reworded("Hello world")}"', "the success")
         self.assertEqual(self.model.requests[-1][0]["Authorization"], "Bearer typed key")
