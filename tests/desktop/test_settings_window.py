@@ -1,5 +1,7 @@
 """The settings window on the screen: opened, read as a screen reader reads it, and used by pointer and keys."""
 
+from pathlib import Path
+
 from tavelle_desktop.journey import DONE, TEXT
 from tavelle_desktop.model import reworded
 from tavelle_desktop.product import Profile
@@ -68,6 +70,30 @@ class Window(SettingsWindowTest):
             return wanted <= seen
 
         wait_until(all_seen, lambda: f"the focus on each of {wanted - seen}", within=60, every=0.1)
+
+
+class Icons(SettingsWindowTest):
+    """They are drawn in the colour of the text; what stands for one that is missing is not."""
+
+    DARK = 0x60
+
+    def start_tavelle(self):
+        """On a desktop that has no icons at all."""
+        data = self.desktop.folder / "data"
+        data.mkdir()
+        for name in ("glib-2.0", "mime", "fonts"):
+            (data / name).symlink_to(Path("/usr/share") / name)
+        return self.configure_tavelle().start(["env", f"XDG_DATA_DIRS={data}"]).wait_ready()
+
+    def test_are_all_there_on_a_desktop_that_has_none(self):
+        self.settings.open()
+        for tab, count in (("General", 4), ("Provider", 7)):
+            self.settings.choose_tab(tab)
+            self.desktop.pointer.move(5, 400)
+            self.settings.wait_until_still()
+            darkest = [self.settings.darkest(icon) for icon in self.settings.icons()]
+            self.assertEqual([dark for dark in darkest if dark > self.DARK], [], tab)
+            self.assertEqual(len(darkest), count, tab)
 
 
 class General(SettingsWindowTest):
