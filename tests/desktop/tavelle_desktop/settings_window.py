@@ -90,13 +90,13 @@ class SettingsWindow:
         return self._until(lambda: next((one.name for one in self._frame().all() if one.role == "label" and accept(one.name)), None),
                            lambda: f"{what}; shown are {self.shown()}")  # fmt: skip
 
-    def wait_until_still(self):
-        """Nothing in it moves or fades any more."""
+    def wait_until_still(self, looks=2):
+        """Nothing in it moves or fades any more: it is the same at so many looks, one after the other."""
         seen = []
 
         def is_still():
             seen.append(self._desktop.screen.pixels(self.window))
-            return len(seen) > 1 and seen[-1] == seen[-2]
+            return len(seen) >= looks and seen[-looks:] == [seen[-1]] * looks
 
         wait_until(is_still, "the settings window is still", every=0.3)
 
@@ -111,7 +111,9 @@ class SettingsWindow:
         return self._desktop.screen.darkest(self.window, left, top, place.width, place.height)
 
     def picture(self, path):
-        self._desktop.processes.run("import", "-display", self._desktop.display_name, "-window", self.window.id, path, within=20)
+        small = ["-strip", "-define", "png:compression-level=9", "-define", "png:compression-filter=0"]
+        self._desktop.processes.run("import", "-display", self._desktop.display_name, "-window", self.window.id, *small, path,
+                                    within=20)  # fmt: skip
 
     # What a person does.
 
@@ -184,11 +186,27 @@ class SettingsWindow:
             middle = self._middle(element.place)
             if HEADER + 10 < middle < frame.height - 10:
                 return True
-            wheel = WHEEL_DOWN if middle > HEADER + 10 else WHEEL_UP
-            self._desktop.pointer.click(self._left(frame) + 8, self._top(frame) + frame.height / 2, wheel)
+            self._turn_wheel(WHEEL_DOWN if middle > HEADER + 10 else WHEEL_UP)
             return False
 
         wait_until(is_in_sight, lambda: f"{element.name!r} is in sight", every=0.1)
+
+    def scroll_to_end(self):
+        """To the temperature, and below it to where nothing follows."""
+        slider = self.element("slider", "Temperature")
+        self.scroll_to(slider)
+        seen = []
+
+        def is_at_end():
+            self._turn_wheel(WHEEL_DOWN)
+            seen.append(self._settled_place(slider).y)
+            return len(seen) > 1 and seen[-1] == seen[-2]
+
+        wait_until(is_at_end, "the end of the tab", every=0.1)
+
+    def _turn_wheel(self, wheel):
+        frame = self._frame_place()
+        self._desktop.pointer.click(self._left(frame) + 8, self._top(frame) + frame.height / 2, wheel)
 
     @staticmethod
     def _settled_place(element):
