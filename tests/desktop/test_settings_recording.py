@@ -67,6 +67,14 @@ class Keys(Recording):
         self.desktop.keyboard.chord("Super", "G")
         self.wait_for_hotkey("⌘G", 5, 0x100)
 
+    def test_nothing_else_gets_the_key_that_is_recorded(self):
+        self.settings.type_into("Name:", "Typed")
+        self.start_recording()
+        self.desktop.keyboard.type("g")
+        self.wait_for_hotkey("G", 5, 0)
+        self.desktop.keyboard.type("h")
+        self.settings.wait_for_text("Name:", "Typedh")
+
     def test_it_is_given_to_the_profile_that_is_chosen_meanwhile(self):
         self.start_recording()
         self.settings.select_row(SECOND_ROW)

@@ -50,11 +50,21 @@ class Window(SettingsWindowTest):
 
     def test_asked_for_again_it_comes_to_the_front_with_the_keyboard(self):
         self.settings.open()
+        self.wait_for_middle()
+        self.settings.window.configure(x=200, y=120)
         for ask in (self.settings.ask_for, lambda: Tray(self.desktop).choose(MIDDLE)):
             other = self.scripted()
             self.desktop.screen.activate(other.window)
             ask()
             wait_until(lambda: self.desktop.screen.has_keyboard(self.settings.window), "the settings window has the keyboard")
+            self.assertEqual((self.settings.place.x, self.settings.place.y), (200, 120))
+
+    def test_asked_for_again_it_comes_back_from_the_task_list(self):
+        self.settings.open()
+        self.desktop.screen.minimise(self.settings.window)
+        self.settings.ask_for()
+        wait_until(lambda: self.desktop.screen.has_keyboard(self.settings.window), "the settings window has the keyboard")
+        self.assertTrue(self.desktop.screen.is_shown(self.settings.window))
 
     def test_the_keyboard_alone_reaches_every_control(self):
         self.settings.open()
@@ -136,6 +146,15 @@ class General(SettingsWindowTest):
             self.desktop.keyboard.chord("Control", "Alt", key)
             hotkey = f"⌥⌃{shown}"
             self.settings.wait_until_shown("push button", hotkey)
+
+    def test_the_temperature_goes_in_tenths_from_0_to_2(self):
+        self.settings.open()
+        self.settings.click("slider", "Temperature")
+        wait_until(lambda: ("slider", "Temperature") in self.settings.focused(), "the slider has the keyboard")
+        for keys, shown in (("Home", "0.0"), ("Right", "0.1"), ("Right", "0.2"), ("Left", "0.1"), ("End", "2.0"), ("Right", "2.0")):
+            self.desktop.keyboard.chord(keys)
+            self.settings.wait_until_shown("label", shown)
+            self.wait_for_stored(shown, lambda stored, shown=shown: stored["temperature"] == float(shown))
 
     def test_fast_typing_loses_no_letter(self):
         name = "the quick brown fox jumps over the lazy dog " * 4 + "and rests"

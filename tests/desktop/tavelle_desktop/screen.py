@@ -62,6 +62,16 @@ class Screen:
         active = self._property(self._root, "_NET_ACTIVE_WINDOW")
         return bool(active) and active[0] == window.id
 
+    def minimise(self, window):
+        """As the window's entry in a task list does, and waits until it is gone from the screen."""
+        iconic = 3
+        request = event.ClientMessage(window=window, client_type=self._atom("WM_CHANGE_STATE"), data=(32, [iconic, 0, 0, 0, 0]))
+        self._root.send_event(request, event_mask=X.SubstructureRedirectMask | X.SubstructureNotifyMask)
+        wait_until(lambda: not self.is_shown(window), f"the window {self.title(window)!r} is minimised")
+
+    def is_shown(self, window):
+        return window.get_attributes().map_state == X.IsViewable
+
     def focus_without_window_manager(self, window):
         window.set_input_focus(X.RevertToPointerRoot, X.CurrentTime)
         self._display.sync()
