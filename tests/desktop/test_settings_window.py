@@ -1,41 +1,13 @@
 """The settings window on the screen: opened, read as a screen reader reads it, and used by pointer and keys."""
 
-import json
-import os
-import signal
+from pathlib import Path
 
-from tavelle_desktop.journey import DONE, TEXT, DesktopTest
+from tavelle_desktop.journey import DONE, TEXT
 from tavelle_desktop.model import reworded
-from tavelle_desktop.product import APPLICATION_ID, Profile
-from tavelle_desktop.session import Options
-from tavelle_desktop.settings_window import SettingsWindow
+from tavelle_desktop.product import Profile
+from tavelle_desktop.settings_journey import SettingsWindowTest
 from tavelle_desktop.tray import MIDDLE, Tray
 from tavelle_desktop.waiting import wait_until
-
-
-class SettingsWindowTest(DesktopTest):
-    options = Options(accessibility=True)
-
-    def setUp(self):
-        super().setUp()
-        self.start_tavelle()
-        self.settings = SettingsWindow(self.desktop, self.tavelle)
-
-    def stored(self):
-        return json.loads(self.tavelle.settings_file.read_text(encoding="utf-8"))
-
-    def wait_for_stored(self, what, is_stored):
-        wait_until(lambda: is_stored(self.stored()), lambda: f"{what} is stored; stored is {self.stored()}")
-
-    def stored_key(self):
-        return self.desktop.processes.run("secret-tool", "lookup", "service", APPLICATION_ID, "account", "apiKey_custom", check=False)
-
-    def restart_tavelle(self):
-        self.tavelle.end_kindly()
-        self.reader.take("CLIPBOARD")  # or it would stay for as long as the person may want to paste
-        wait_until(lambda: not self.tavelle.runs(), "Tavelle has ended")
-        self.settings.wait_for_closed()  # its renderer ends after it
-        self.tavelle.start().wait_ready()
 
 
 class Window(SettingsWindowTest):
@@ -76,6 +48,24 @@ class Window(SettingsWindowTest):
                    lambda: f"the window where it stood; it is at {self.settings.place}")  # fmt: skip
         self.assertTrue(self.settings.element("page tab", "Provider").is_("selected"))
 
+    def test_asked_for_again_it_comes_to_the_front_with_the_keyboard(self):
+        self.settings.open()
+        self.wait_for_middle()
+        self.settings.window.configure(x=200, y=120)
+        for ask in (self.settings.ask_for, lambda: Tray(self.desktop).choose(MIDDLE)):
+            other = self.scripted()
+            self.desktop.screen.activate(other.window)
+            ask()
+            wait_until(lambda: self.desktop.screen.has_keyboard(self.settings.window), "the settings window has the keyboard")
+            self.assertEqual((self.settings.place.x, self.settings.place.y), (200, 120))
+
+    def test_asked_for_again_it_comes_back_from_the_task_list(self):
+        self.settings.open()
+        self.desktop.screen.minimise(self.settings.window)
+        self.settings.ask_for()
+        wait_until(lambda: self.desktop.screen.has_keyboard(self.settings.window), "the settings window has the keyboard")
+        self.assertTrue(self.desktop.screen.is_shown(self.settings.window))
+
     def test_the_keyboard_alone_reaches_every_control(self):
         self.settings.open()
         self.settings.choose_tab("About")
@@ -92,29 +82,28 @@ class Window(SettingsWindowTest):
         wait_until(all_seen, lambda: f"the focus on each of {wanted - seen}", within=60, every=0.1)
 
 
-class Renderer(SettingsWindowTest):
-    def test_killed_it_is_told_and_the_hotkeys_go_on_and_it_opens_again_as_it_was(self):
-        self.settings.open()
-        self.settings.choose_tab("Provider")
-        os.kill(self.settings.renderer(), signal.SIGKILL)
-        self.desktop.notifications.wait_for_one(
-            lambda one: one.body == "The settings window has ended. Open it again.", "that the window is gone")  # fmt: skip
-        self.settings.wait_for_closed()
-        self.assertIn("Tavelle: The settings window has ended.", self.tavelle.output())
-        self.open()
-        self.own_clipboard()
-        self.press_and_wait()
-        self.assertEqual(self.app.text(), reworded(TEXT))
-        self.settings.open()
-        self.assertTrue(self.settings.element("page tab", "Provider").is_("selected"))
+class Icons(SettingsWindowTest):
+    """They are drawn in the colour of the text; what stands for one that is missing is not."""
 
-    def test_it_ends_with_tavelle(self):
-        self.settings.open()
-        self.tavelle.end_kindly()
-        wait_until(lambda: not self.settings.renderer(), "the renderer has ended")
+    DARK = 0x60
 
-    def test_it_is_not_there_before_the_window_is_opened(self):
-        self.assertIsNone(self.settings.renderer())
+    def start_tavelle(self):
+        """On a desktop that has no icons at all."""
+        data = self.desktop.folder / "data"
+        data.mkdir()
+        for name in ("glib-2.0", "mime", "fonts"):
+            (data / name).symlink_to(Path("/usr/share") / name)
+        return self.configure_tavelle().start(["env", f"XDG_DATA_DIRS={data}"]).wait_ready()
+
+    def test_are_all_there_on_a_desktop_that_has_none(self):
+        self.settings.open()
+        for tab, count in (("General", 4), ("Provider", 7)):
+            self.settings.choose_tab(tab)
+            self.desktop.pointer.move(5, 400)
+            self.settings.wait_until_still()
+            darkest = [self.settings.darkest(icon) for icon in self.settings.icons()]
+            self.assertEqual([dark for dark in darkest if dark > self.DARK], [], tab)
+            self.assertEqual(len(darkest), count, tab)
 
 
 class General(SettingsWindowTest):
@@ -158,6 +147,15 @@ class General(SettingsWindowTest):
             hotkey = f"⌥⌃{shown}"
             self.settings.wait_until_shown("push button", hotkey)
 
+    def test_the_temperature_goes_in_tenths_from_0_to_2(self):
+        self.settings.open()
+        self.settings.click("slider", "Temperature")
+        wait_until(lambda: ("slider", "Temperature") in self.settings.focused(), "the slider has the keyboard")
+        for keys, shown in (("Home", "0.0"), ("Right", "0.1"), ("Right", "0.2"), ("Left", "0.1"), ("End", "2.0"), ("Right", "2.0")):
+            self.desktop.keyboard.chord(keys)
+            self.settings.wait_until_shown("label", shown)
+            self.wait_for_stored(shown, lambda stored, shown=shown: stored["temperature"] == float(shown))
+
     def test_fast_typing_loses_no_letter(self):
         name = "the quick brown fox jumps over the lazy dog " * 4 + "and rests"
         self.settings.open()
@@ -185,13 +183,13 @@ class Provider(SettingsWindowTest):
         return super().start_tavelle(profiles, provider="openAI", base_url="https://api.openai.com/v1", model="gpt-4o")
 
     def test_a_provider_is_chosen_its_key_kept_in_the_keyring_and_the_connection_tested(self):
-        self.settings.choose_last("Provider:", "Custom")
+        self.settings.choose_provider("Custom")
         self.settings.wait_for_text("Base URL:", "")
         self.settings.type_into("Base URL:", self.model.url)
         self.settings.type_into("Model:", "stand-in")
         self.settings.select_all("API Key:")  # which the desktop's keyring starts with
         self.desktop.keyboard.type("typed key")
-        wait_until(lambda: self.stored_key() == "typed key", lambda: f"the key in the keyring; it holds {self.stored_key()!r}")
+        self.wait_for_key("typed key")
         self.settings.press("Test Connection")
         self.settings.wait_for_label(lambda text: text == f'Success: "{reworded("Hello world")}"', "the success")
         self.assertEqual(self.model.requests[-1][0]["Authorization"], "Bearer typed key")

@@ -158,6 +158,41 @@ TEST_F(GeneralSettingsTabTest, selectsTheFirstOfThoseThatAreLeftInTheirOrder) {
   EXPECT_EQ(selected(), stored(0).id.uuidString());
 }
 
+TEST_F(GeneralSettingsTabTest, removesEveryProfileThatHasTheSelectedIdentity) {
+  const auto twin = profile("A");
+  showWith({twin, twin});
+  press("minus");
+  EXPECT_THAT(settings().profiles(), IsEmpty());
+  EXPECT_EQ(selected(), "");
+  EXPECT_FALSE(screen->shows("Name:"));
+  EXPECT_FALSE(screen->widget("minus").isEnabled());
+  press("plus");
+  EXPECT_EQ(screen->value("Name:"), "New Profile");
+}
+
+TEST_F(GeneralSettingsTabTest, editsTheFirstProfileThatHasTheSelectedIdentity) {
+  auto twin = profile("A");
+  showWith({twin, twin});
+  enter("Name:", "B");
+  EXPECT_EQ(stored(0).name, "B");
+  EXPECT_EQ(stored(1).name, "A");
+}
+
+TEST_F(GeneralSettingsTabTest, showsNoEditorForAProfileThatIsGone) {
+  showWith({profile("A"), profile("B")});
+  press("None");
+  settings().setProfiles({profile("C"), profile("D")});
+  settle();
+  EXPECT_FALSE(screen->shows("Profile Settings"));
+  platform.defaults.writes.clear();
+  keyDown(15, command, "r");
+  EXPECT_THAT(platform.defaults.writes, IsEmpty()) << "there is nothing to record it for";
+  press("minus");
+  EXPECT_EQ(settings().profiles().size(), 2) << "nothing has that identity";
+  EXPECT_EQ(screen->value("Name:"), "C");
+  EXPECT_EQ(hotkeyTitle(), "Press keys...");
+}
+
 TEST_F(GeneralSettingsTabTest, addsAProfileWithoutAHotkeyAtTheEndAndSelectsIt) {
   showWith({profile("A", 15, 768)});
   press("plus");

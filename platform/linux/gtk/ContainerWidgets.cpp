@@ -1,4 +1,5 @@
 #include "platform/linux/gtk/KeyMonitors.h"
+#include "platform/linux/gtk/ShortcutInhibitor.h"
 #include "platform/linux/gtk/Widgets.h"
 #include "view/KeyDownListener.h"
 
@@ -33,7 +34,9 @@ class KeyCaptureWidget : public BinWidget {
 
  protected:
   void show(Attribute attribute) override {
-    if (attribute == Attribute::enabled) listener().updateView(*view_);
+    if (attribute != Attribute::enabled) return;
+    listener().updateView(*view_);
+    inhibitor_.want(isOn(attribute, true));
   }
 
  private:
@@ -45,6 +48,7 @@ class KeyCaptureWidget : public BinWidget {
 
   view::EventMonitors& monitors_;
   std::shared_ptr<view::KeyCaptureView> view_;
+  ShortcutInhibitor inhibitor_{root()};
 };
 
 class BoxWidget : public Widget {

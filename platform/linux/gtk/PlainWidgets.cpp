@@ -42,7 +42,7 @@ class TextWidget : public Widget {
     setStyle(GTK_WIDGET(label_), "dim-label", color == "secondary");
     setStyle(GTK_WIDGET(label_), "success", color == "green");
     setStyle(GTK_WIDGET(label_), "error", color == "red");
-    setStyle(GTK_WIDGET(label_), "warning", color == "orange");
+    setStyle(GTK_WIDGET(label_), "orange", color == "orange");
   }
 
   GtkLabel* label_;

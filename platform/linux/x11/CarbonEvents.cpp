@@ -52,6 +52,7 @@ OSStatus X11CarbonEvents::registerEventHotKey(std::uint32_t keyCode, std::uint32
   auto grab = grabs_.grab(*key, modifiers);
   if (!grab) return eventHotKeyExistsErr;
   hotKeys_.push_back(std::make_unique<HotKey>(HotKey{id, std::move(grab)}));
+  heldKeys_.becameHotKey(*key);
   *out = reinterpret_cast<EventHotKeyRef>(hotKeys_.back().get());
   return noErr;
 }

@@ -67,9 +67,12 @@ Connection::Connection(xcb_connection_t* xcb, const xcb_screen_t* screen)
   source_.reset(source);
 }
 
+// A server that sees a client go reads nothing more of it: the key that the last requests let go would stay down.
 Connection::~Connection() {
   source_.reset();
   ownEvents_.cancel();
+  const XcbReply<xcb_get_input_focus_reply_t> allIsRead{
+      xcb_get_input_focus_reply(xcb_, xcb_get_input_focus(xcb_), nullptr)};
   xcb_disconnect(xcb_);
 }
 

@@ -32,6 +32,7 @@ HeldKeys::HeldKeys(Connection& connection, Keyboard& keyboard, HotKeyGrabs& grab
       grabWindow_(xcb_generate_id(connection)),
       checkSource_(makeSource("X11 held keys", [this] { check(); })),
       limitSource_(makeSource("X11 held keys: limit", [this] { limitReached(); })),
+      nextTurnSource_(makeSource("X11 held keys: next turn", [this] { endTurn(); })),
       events_(connection.events().subscribe([this](const auto& event) { received(event); })) {
   // Below the connection's source, so that a check concludes only when no event is waiting.
   g_source_set_priority(checkSource_.get(), G_PRIORITY_DEFAULT_IDLE);
@@ -55,6 +56,31 @@ std::uint16_t HeldKeys::modifiersOf(const xcb_key_press_event_t& press) const {
   return static_cast<std::uint16_t>(mask & 0xFFu & ~unsigned{modifiers.locks()});
 }
 
+void HeldKeys::becameHotKey(xcb_keycode_t key) {
+  if (pressed_[key] || !keysDownThisTurn()[key]) return;
+  early_.set(key);
+  watchReleases();
+  if (!keyboard_.devices().keysDown()[key]) {  // it went up before anybody watched
+    early_.reset(key);
+    return watchReleases();
+  }
+  const auto now = connection_.serverTime();
+  hotKey_ = {key, now, now, 0};
+}
+
+const KeySet& HeldKeys::keysDownThisTurn() {
+  if (!keysDownThisTurn_) {
+    keysDownThisTurn_ = keyboard_.devices().keysDown();
+    g_source_set_ready_time(nextTurnSource_.get(), immediately);
+  }
+  return *keysDownThisTurn_;
+}
+
+void HeldKeys::endTurn() {
+  g_source_set_ready_time(nextTurnSource_.get(), never);
+  keysDownThisTurn_.reset();
+}
+
 bool HeldKeys::press(const xcb_key_press_event_t& press) {
   if (pressed_[press.detail]) return false;
   pressed_.set(press.detail);
@@ -65,6 +91,7 @@ bool HeldKeys::press(const xcb_key_press_event_t& press) {
     connection_.flush();
     checkSoon();
   }
+  if (early_[press.detail]) return false;
   if (press.detail == hotKey_.key && mayRepeat() && press.time - hotKey_.released <= longestGap) return false;
   hotKey_ = {press.detail, press.time, press.time, 0};
   return true;
@@ -112,7 +139,7 @@ void HeldKeys::guard() {
   isGuarding_ = true;
   guardedSince_ = heardLast_ = g_get_monotonic_time();
   g_source_set_ready_time(limitSource_.get(), limit());
-  watchReleases(true);
+  watchReleases();
 }
 
 void HeldKeys::endGuard() {
@@ -125,7 +152,7 @@ void HeldKeys::endGuard() {
   g_source_set_ready_time(checkSource_.get(), never);
   if (grabCookie_) xcb_discard_reply(connection_, grabCookie_->sequence);
   grabCookie_.reset();
-  watchReleases(false);
+  watchReleases();
   xcb_ungrab_keyboard(connection_, XCB_CURRENT_TIME);
   connection_.flush();
 }
@@ -138,7 +165,8 @@ void HeldKeys::grabKeyboard() {
 
 // Raw events come from the keyboards themselves: the release of a key that applications believe to be up already is
 // told by nothing else.
-void HeldKeys::watchReleases(bool isOn) {
+void HeldKeys::watchReleases() const {
+  const bool isOn = isGuarding_ || early_.any();
   struct {
     xcb_input_event_mask_t head;
     std::uint32_t mask;
@@ -147,7 +175,7 @@ void HeldKeys::watchReleases(bool isOn) {
 }
 
 void HeldKeys::received(const xcb_generic_event_t& event) {
-  if (!isGuarding_) return;
+  if (!isGuarding_ && early_.none()) return;
   const auto type = Connection::typeOf(event);
   if (type == XCB_KEY_PRESS) {
     // Someone who types on is not kept waiting for a moment with all keys up.
@@ -177,11 +205,13 @@ bool HeldKeys::isOwn(const xcb_input_raw_key_press_event_t& event) const {
 void HeldKeys::released(xcb_keycode_t key, xcb_timestamp_t time) {
   pressed_.reset(key);
   lifted_.reset(key);
+  early_.reset(key);
   heardLast_ = g_get_monotonic_time();
   if (key == hotKey_.key) {
     hotKey_.released = time;
     hotKey_.heard = heardLast_;
   }
+  if (!isGuarding_) return watchReleases();
   ++eventCount_;
   checkSoon();
 }

@@ -53,6 +53,10 @@ class HeldKeys {
   // as long as they are held.
   std::uint16_t modifiersOf(const xcb_key_press_event_t& press) const;
 
+  // This key has become that of a hotkey. Where it is down at that moment, as a hotkey is that was recorded by pressing
+  // it, it is pressed when it goes down again.
+  void becameHotKey(xcb_keycode_t key);
+
   // The key of a hotkey went down. False where it has been down all the time: it repeats.
   bool press(const xcb_key_press_event_t& press);
 
@@ -69,7 +73,9 @@ class HeldKeys {
   void grabKeyboard();
   void type(const KeyStroke& stroke, const KeySet& lift);
   void fake(std::uint8_t type, xcb_keycode_t key);
-  void watchReleases(bool isOn);
+  void watchReleases() const;
+  const KeySet& keysDownThisTurn();
+  void endTurn();
 
   void received(const xcb_generic_event_t& event);
   void released(xcb_keycode_t key, xcb_timestamp_t time);
@@ -91,6 +97,7 @@ class HeldKeys {
   KeySet pressed_;  // keys of hotkeys that are held
   KeySet kept_;     // keys that went down while a hotkey's was, kept from the applications
   KeySet lifted_;   // keys that were let go for a stroke and that the person still holds
+  KeySet early_;    // keys that have been down since before they became those of hotkeys
   struct {
     xcb_keycode_t key = 0;
     xcb_timestamp_t pressed = 0;
@@ -107,6 +114,8 @@ class HeldKeys {
 
   GSourcePtr checkSource_;
   GSourcePtr limitSource_;
+  GSourcePtr nextTurnSource_;
+  std::optional<KeySet> keysDownThisTurn_;  // asked for once, however many hotkeys are registered
   Subscription events_;
 };
 

@@ -1,6 +1,7 @@
 """What the desktop tests share: a desktop, a model and Tavelle on it, and one run from the press to the last word."""
 
 import os
+import shutil
 import unittest
 from pathlib import Path
 
@@ -38,6 +39,7 @@ class DesktopTest(unittest.TestCase):
     def setUp(self):
         name = self.id().rpartition(".")[2]
         logs = Path(os.environ.get("TAVELLE_LOGS", ROOT / "out" / "desktop-tests")) / type(self).__name__ / name
+        shutil.rmtree(logs, ignore_errors=True)  # what is read there was written in this run
         self.desktop = Desktop(self.options, logs)
         self.addCleanup(self.desktop.stop)
         self.desktop.start()

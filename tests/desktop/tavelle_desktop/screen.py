@@ -1,6 +1,7 @@
 """What stands on a screen: windows, which of them has the keyboard, which keys are down, which hotkeys are taken."""
 
 import re
+from contextlib import contextmanager
 from dataclasses import dataclass
 
 from Xlib import X, display, error
@@ -55,7 +56,21 @@ class Screen:
         request = event.ClientMessage(window=window, client_type=self._atom("_NET_ACTIVE_WINDOW"),
                                       data=(32, [2, X.CurrentTime, 0, 0, 0]))  # fmt: skip
         self._root.send_event(request, event_mask=X.SubstructureRedirectMask | X.SubstructureNotifyMask)
-        wait_until(lambda: self._is_active(window), f"the window {self.title(window)!r} has the keyboard")
+        wait_until(lambda: self.has_keyboard(window), f"the window {self.title(window)!r} has the keyboard")
+
+    def has_keyboard(self, window):
+        active = self._property(self._root, "_NET_ACTIVE_WINDOW")
+        return bool(active) and active[0] == window.id
+
+    def minimise(self, window):
+        """As the window's entry in a task list does, and waits until it is gone from the screen."""
+        iconic = 3
+        request = event.ClientMessage(window=window, client_type=self._atom("WM_CHANGE_STATE"), data=(32, [iconic, 0, 0, 0, 0]))
+        self._root.send_event(request, event_mask=X.SubstructureRedirectMask | X.SubstructureNotifyMask)
+        wait_until(lambda: not self.is_shown(window), f"the window {self.title(window)!r} is minimised")
+
+    def is_shown(self, window):
+        return window.get_attributes().map_state == X.IsViewable
 
     def focus_without_window_manager(self, window):
         window.set_input_focus(X.RevertToPointerRoot, X.CurrentTime)
@@ -96,21 +111,18 @@ class Screen:
         geometry = window.get_geometry()
         return window.get_image(0, 0, geometry.width, geometry.height, X.ZPixmap, 0xFFFFFFFF).data
 
-    def hotkey_is_taken(self, keycode, modifiers):
-        """Whether another client holds the passive grab.
+    def darkest(self, window, *rectangle):
+        """The green of the darkest pixel."""
+        return min(window.get_image(*rectangle, X.ZPixmap, 0xFFFFFFFF).data[1::4])
 
-        The server serves nobody else meanwhile, so that the attempt can never be what makes another client's grab fail.
-        """
+    def hotkey_is_taken(self, keycode, modifiers):
+        """Whether another client holds the passive grab."""
         refused = error.CatchError(error.BadAccess)
-        self._display.grab_server()
-        try:
+        with self._alone():
             self._root.grab_key(keycode, modifiers, True, X.GrabModeAsync, X.GrabModeAsync, onerror=refused)
             self._display.sync()
             if not refused.get_error():
                 self._root.ungrab_key(keycode, modifiers)
-        finally:
-            self._display.ungrab_server()
-            self._display.sync()
         return bool(refused.get_error())
 
     def take_hotkey(self, keycode, modifiers):
@@ -121,10 +133,10 @@ class Screen:
 
     def keyboard_is_grabbed(self):
         """Whether another client holds the whole keyboard now."""
-        status = self._root.grab_keyboard(False, X.GrabModeAsync, X.GrabModeAsync, X.CurrentTime)
-        if status == X.GrabSuccess:
-            self._display.ungrab_keyboard(X.CurrentTime)
-            self._display.sync()
+        with self._alone():
+            status = self._root.grab_keyboard(False, X.GrabModeAsync, X.GrabModeAsync, X.CurrentTime)
+            if status == X.GrabSuccess:
+                self._display.ungrab_keyboard(X.CurrentTime)
         return status != X.GrabSuccess
 
     def keys_down(self):
@@ -145,9 +157,15 @@ class Screen:
         owner = self._display.get_selection_owner(self._atom(selection))
         return owner.id if owner else 0
 
-    def _is_active(self, window):
-        active = self._property(self._root, "_NET_ACTIVE_WINDOW")
-        return bool(active) and active[0] == window.id
+    @contextmanager
+    def _alone(self):
+        """The server serves nobody else, so that an attempt can never be what makes another client's fail."""
+        self._display.grab_server()
+        try:
+            yield
+        finally:
+            self._display.ungrab_server()
+            self._display.sync()
 
     def _window_class(self, window):
         try:

@@ -127,9 +127,10 @@ class Desktop:
 
     def lock_keyring(self):
         """The daemon starts again without its password, as after a log-in without one."""
-        self.processes.end(self._keyring)
-        wait_until(lambda: not self.name_is_owned("org.freedesktop.secrets"), "the keyring has ended")
-        self._start_keyring(unlock=False)
+        self._restart_keyring(unlock=False)
+
+    def unlock_keyring(self):
+        self._restart_keyring(unlock=True)
 
     def end_session_bus(self):
         self.processes.end(self._bus_daemon)
@@ -203,6 +204,11 @@ class Desktop:
             return connect(self.environment["DBUS_SESSION_BUS_ADDRESS"])
         except GLib.Error:
             return None  # it does not listen yet
+
+    def _restart_keyring(self, unlock):
+        self.processes.end(self._keyring)
+        wait_until(lambda: not self.name_is_owned("org.freedesktop.secrets"), "the keyring has ended")
+        self._start_keyring(unlock)
 
     def _start_keyring(self, unlock):
         data = self.home / ".local" / "share" / "keyrings"

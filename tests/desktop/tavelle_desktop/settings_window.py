@@ -7,6 +7,8 @@ from .waiting import wait_until
 
 WINDOW_CLASS = "(?i)app.tavelle.Tavelle"
 HEADER = 47  # the height of the header bar, below which the content is
+RECORDING = "Press keys..."  # what the button of the hotkey shows meanwhile
+PROVIDERS = ("Tavelle", "OpenAI", "Anthropic", "Gemini", "Ollama", "Custom")  # in their order
 WHEEL_UP, WHEEL_DOWN = 4, 5
 
 
@@ -17,9 +19,12 @@ class SettingsWindow:
         self.window = None
 
     def open(self):
+        self.ask_for()
+        return self.wait_for()
+
+    def ask_for(self):
         """Starts Tavelle once more, which opens the window of the one that runs."""
         self._desktop.processes.start("second-start", self._tavelle.program)
-        return self.wait_for()
 
     def wait_for(self):
         self.window = self._desktop.screen.wait_for_window(WINDOW_CLASS)
@@ -30,6 +35,10 @@ class SettingsWindow:
 
     def close(self):
         self._desktop.keyboard.chord("Control", "W")
+        self.wait_for_closed()
+
+    def close_by_its_button(self):
+        self.press("Close")
         self.wait_for_closed()
 
     def wait_for_closed(self):
@@ -81,18 +90,30 @@ class SettingsWindow:
         return self._until(lambda: next((one.name for one in self._frame().all() if one.role == "label" and accept(one.name)), None),
                            lambda: f"{what}; shown are {self.shown()}")  # fmt: skip
 
-    def wait_until_still(self):
-        """Nothing in it moves or fades any more."""
+    def wait_until_still(self, looks=2):
+        """Nothing in it moves or fades any more: it is the same at so many looks, one after the other."""
         seen = []
 
         def is_still():
             seen.append(self._desktop.screen.pixels(self.window))
-            return len(seen) > 1 and seen[-1] == seen[-2]
+            return len(seen) >= looks and seen[-looks:] == [seen[-1]] * looks
 
         wait_until(is_still, "the settings window is still", every=0.3)
 
+    def icons(self):
+        return [one for one in self._frame().all() if one.role == "image" and one.place.width]
+
+    def darkest(self, element):
+        """Of the pixels that it is made of: 0 for black, 255 for white."""
+        place, frame = element.place, self._frame_place()
+        left = place.x + (self.place.width - frame.width) // 2
+        top = place.y + (self.place.height - frame.height) // 2
+        return self._desktop.screen.darkest(self.window, left, top, place.width, place.height)
+
     def picture(self, path):
-        self._desktop.processes.run("import", "-display", self._desktop.display_name, "-window", self.window.id, path, within=20)
+        small = ["-strip", "-define", "png:compression-level=9", "-define", "png:compression-filter=0"]
+        self._desktop.processes.run("import", "-display", self._desktop.display_name, "-window", self.window.id, *small, path,
+                                    within=20)  # fmt: skip
 
     # What a person does.
 
@@ -116,7 +137,7 @@ class SettingsWindow:
 
     def click(self, role, name):
         element = self.element(role, name)
-        self._scroll_to(element)
+        self.scroll_to(element)
         place, frame = self._settled_place(element), self._frame_place()
         self._desktop.pointer.click(self._left(frame) + place.x + place.width / 3, self._top(frame) + self._middle(place))
 
@@ -136,14 +157,28 @@ class SettingsWindow:
 
         wait_until(is_selected, lambda: f"all of {name!r} is selected", every=0.1)
 
-    def choose_last(self, name, option):
-        """Opens a picker and takes the last of its options, which is this one."""
-        self.click("combo box", name)
-        self.wait_for_label(lambda text: text == option, f"the option {option!r}")
-        for key in ("End", "Return"):
-            self._desktop.keyboard.chord(key)
+    def select_row(self, name):
+        self.click("list item", name)
+        self._until(lambda: self.element("list item", name).is_("selected"), lambda: f"the row {name!r} is selected")
 
-    def _scroll_to(self, element):
+    def record(self, title, *keys):
+        """Presses the button of the hotkey, which shows this title, and then the keys."""
+        self.press(title)
+        self.wait_until_shown("push button", RECORDING)
+        self._desktop.keyboard.chord(*keys)
+
+    def choose_provider(self, name):
+        """Opens the list of providers, goes down to this one, and takes it."""
+        def is_open():
+            return set(PROVIDERS) <= {name for role, name in self.shown() if role == "label"}
+
+        self.click("combo box", "Provider:")
+        self._until(is_open, lambda: f"the list of providers; shown are {self.shown()}")
+        for key in ("Home", *["Down"] * PROVIDERS.index(name), "Return"):
+            self._desktop.keyboard.chord(key)
+        self._until(lambda: not is_open(), lambda: "the list of providers is closed")
+
+    def scroll_to(self, element):
         """By the wheel, until the middle of it is in sight."""
         frame = self._frame_place()
 
@@ -151,11 +186,27 @@ class SettingsWindow:
             middle = self._middle(element.place)
             if HEADER + 10 < middle < frame.height - 10:
                 return True
-            wheel = WHEEL_DOWN if middle > HEADER + 10 else WHEEL_UP
-            self._desktop.pointer.click(self._left(frame) + 8, self._top(frame) + frame.height / 2, wheel)
+            self._turn_wheel(WHEEL_DOWN if middle > HEADER + 10 else WHEEL_UP)
             return False
 
         wait_until(is_in_sight, lambda: f"{element.name!r} is in sight", every=0.1)
+
+    def scroll_to_end(self):
+        """To the temperature, and below it to where nothing follows."""
+        slider = self.element("slider", "Temperature")
+        self.scroll_to(slider)
+        seen = []
+
+        def is_at_end():
+            self._turn_wheel(WHEEL_DOWN)
+            seen.append(self._settled_place(slider).y)
+            return len(seen) > 1 and seen[-1] == seen[-2]
+
+        wait_until(is_at_end, "the end of the tab", every=0.1)
+
+    def _turn_wheel(self, wheel):
+        frame = self._frame_place()
+        self._desktop.pointer.click(self._left(frame) + 8, self._top(frame) + frame.height / 2, wheel)
 
     @staticmethod
     def _settled_place(element):

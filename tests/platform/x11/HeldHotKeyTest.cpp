@@ -65,6 +65,25 @@ class HotKeyAtAKeyboard : public testing::Test {
     EXPECT_TRUE(waitUntil([&] { return window.strokeCount("q") == before + 1; }));
   }
 
+  // A hotkey is registered while its keys are down, as one is that was recorded by pressing it.
+  void expectNoPressBeforeItIsLetGo() {
+    press({keySuper, keyShift, keyY});
+    ASSERT_TRUE(waitUntil([this] { return window.strokeCount("Shift+Super+y") == 1; }));
+    settle(*backend.connection);
+    ASSERT_EQ(backend.registerHotKey(kVK_ANSI_Y, superShift, 2), noErr);
+    ASSERT_TRUE(waitUntil([this] { return keyPresses >= 10; })) << "it repeats";
+    release({keyY, keyShift, keySuper});
+    ASSERT_TRUE(isLetGo());
+    EXPECT_EQ(backend.presses.size(), 0u);
+    press({keySuper, keyShift, keyY});
+    EXPECT_TRUE(isPressed());
+    release({keyY, keyShift, keySuper});
+    EXPECT_TRUE(isLetGo());
+    EXPECT_EQ(backend.presses.size(), 1u);
+    EXPECT_EQ(window.strokes(), Strokes{"Shift+Super+y"});
+    expectNothingStuck();
+  }
+
   static std::optional<Xephyr> server;
 
   KeyWindow window;
@@ -161,6 +180,27 @@ TEST_F(HeldHotKeyThatTheServerRepeats, isOnePressHoweverOftenItRepeats) {
   ASSERT_TRUE(isLetGo());
   EXPECT_EQ(window.strokes(), (Strokes{"Control+c", "Control+v"}));
   EXPECT_EQ(backend.presses.size(), 1u);
+  expectNothingStuck();
+}
+
+TEST_F(HeldHotKey, isNoPressWhereItIsHeldSinceBeforeItWasRegistered) {
+  expectNoPressBeforeItIsLetGo();
+}
+
+TEST_F(HeldHotKeyThatTheServerRepeats, isNoPressWhereItIsHeldSinceBeforeItWasRegistered) {
+  expectNoPressBeforeItIsLetGo();
+}
+
+TEST_F(HeldHotKey, isAPressWhereItsKeyWasLetGoBeforeItRepeated) {
+  press({keySuper, keyShift, keyY});
+  settle(*backend.connection);
+  ASSERT_EQ(backend.registerHotKey(kVK_ANSI_Y, superShift, 2), noErr);
+  release({keyY});
+  ASSERT_TRUE(waitUntil([this] { return !window.keysDownOnDevices().test(keyY); }));
+  settle(*backend.connection);
+  press({keyY});
+  EXPECT_TRUE(isPressed());
+  release({keyY, keyShift, keySuper});
   expectNothingStuck();
 }
 
