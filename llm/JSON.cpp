@@ -109,8 +109,9 @@ JSON valueOf(dom::element element) {
   return nullptr;
 }
 
-// A whole number beyond 64 bits is JSON too, but not for the fast reader.
+// A whole number beyond 64 bits is JSON too, but not for the fast reader. This one takes a NUL for the end.
 JSON decodeUnusualNumbers(std::string_view text) {
+  if (text.find('\0') != text.npos) throw notInFormat();
   bool isTooDeep = false;
   const auto guard = [&isTooDeep](int depth, JSON::parse_event_t, const JSON&) {
     isTooDeep = isTooDeep || depth > deepestNesting;

@@ -19,7 +19,8 @@ std::optional<JSON> decoded(std::string_view text) {
 
 // Another reader, which takes any top, any depth, and a byte order mark.
 JSON asAnotherReads(std::string_view text) {
-  return JSON::parse(text, nullptr, false);
+  const bool hasNUL = text.find('\0') != text.npos;  // which it would take for the end
+  return hasNUL ? JSON(JSON::value_t::discarded) : JSON::parse(text, nullptr, false);
 }
 
 bool mayBeRefused(std::string_view text) {

@@ -31,6 +31,7 @@ std::string encoded(const Present& present) {
 void run(std::string_view line) {
   const auto order = decoded(line);
   if (!order) return;
+  require(line.find('\0') == line.npos, "the line has an end before its end");
   const auto again = std::visit([](const auto& one) { return encoded(one); }, *order);
   require(isUTF8(again) && again.find('\n') == again.size() - 1, "an order is one line of text");
   require(view::parseLine(again) == view::parseLine(line), "something in the line was not read");

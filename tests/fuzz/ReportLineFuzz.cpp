@@ -32,6 +32,7 @@ std::string encoded(const OfTheWindow& report) {
 void run(std::string_view line) {
   const auto report = decoded(line);
   if (!report) return;
+  require(line.find('\0') == line.npos, "the line has an end before its end");
   const auto again = std::visit([](const auto& one) { return encoded(one); }, *report);
   require(isUTF8(again) && again.find('\n') == again.size() - 1, "a report is one line of text");
   require(view::parseLine(again) == view::parseLine(line), "something in the line was not read");

@@ -23,6 +23,7 @@ std::optional<DefaultsValue> throughTheFile(const DefaultsValue& value) {
 void read(const std::string& file) {
   const auto values = parseSettings(file);
   if (!values) return;
+  require(file.find('\0') == file.npos, "the file has an end before its end");
   const auto written = settingsText(*values);
   require(parseSettings(written) == values, "what is written does not read back");
   require(settingsText(*parseSettings(written)) == written, "the file changes with every reading");

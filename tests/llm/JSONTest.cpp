@@ -87,6 +87,12 @@ TEST(DecodeJSON, readsEveryNumberThatJSONHas) {
   EXPECT_THROW(decodeJSON("[123456789012345678901234567890, \"5]"), JSONError);
 }
 
+TEST(DecodeJSON, doesNotEndAtANUL) {
+  for (const auto& text : {"[1]\0"s, "[1]\0, 2]"s, "[18446744073709551616]\0"s, "[18446744073709551616]\0, 2]"s}) {
+    EXPECT_THROW(decodeJSON(text), JSONError) << text;
+  }
+}
+
 TEST(DecodeJSON, readsEscapedCharactersAndRefusesHalfOnes) {
   EXPECT_EQ(decodeJSON(R"(["\u0000\ud83d\ude00\/"])")[0].get<std::string>(), "\0😀/"s);
   EXPECT_THROW(decodeJSON(R"(["\ud83d"])"), JSONError);

@@ -77,6 +77,11 @@ TEST(BatchLine, refusesEverythingElse) {
   }
 }
 
+TEST(BatchLine, doesNotEndAtANUL) {
+  EXPECT_THROW(decodeBatch(std::string{"{\"lastEvent\":0,\"operations\":[]}\0", 32}), WireError);
+  EXPECT_THROW(decodeBatch(std::string{"{\"lastEvent\":0,\"operations\":[]}\0more", 36}), WireError);
+}
+
 TEST(BatchLine, replacesBytesThatAreNoText) {
   const auto batch = decodeBatch(encodeBatch({0, {Update{1, {{Attribute::text, "a\xFF"}}}}}));
   EXPECT_EQ(batch.operations[0], (HostOperation{Update{1, {{Attribute::text, "a\uFFFD"}}}}));

@@ -179,7 +179,9 @@ TEST_F(JSONUserDefaultsTest, writesTheFileThatADanglingLinkNames) {
 }
 
 TEST_F(JSONUserDefaultsTest, keepsADamagedFileAsideAndSaysSo) {
-  for (const std::string damaged : {"{\"model\": \"a\"", "[]", "{} {}", "\"text\"", "{\"a\": \"\xff\"}", "nonsense"}) {
+  for (const auto& damaged :
+       {std::string{"{\"model\": \"a\""}, std::string{"[]"}, std::string{"{} {}"}, std::string{"\"text\""},
+        std::string{"{\"a\": \"\xff\"}"}, std::string{"nonsense"}, std::string("{\"model\": \"a\"}\0, and more", 25)}) {
     write(file(), damaged);
     testing::internal::CaptureStderr();
     JSONUserDefaults defaults{file()};

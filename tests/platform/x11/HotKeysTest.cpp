@@ -89,17 +89,6 @@ TEST_F(HotKeys, workWithScrollLockOnWhereItIsAModifier) {
   EXPECT_FALSE(other.grabKey(keyX, superShiftMask | XCB_MOD_MASK_3 | XCB_MOD_MASK_2 | XCB_MOD_MASK_LOCK));
 }
 
-TEST_F(HotKeys, areRefusedWhereAnotherProgramHoldsTheCombinationAndTheOthersAreStillRegistered) {
-  ASSERT_TRUE(other.grabKey(keyX, superShiftMask));
-  EXPECT_EQ(backend.registerHotKey(kVK_ANSI_Y, superShift, 1), noErr);
-  EXPECT_EQ(backend.registerHotKey(kVK_ANSI_X, superShift, 2), eventHotKeyExistsErr);
-  EXPECT_EQ(backend.registerHotKey(kVK_ANSI_Q, superShift, 3), noErr);
-  EXPECT_EQ(backend.hotKeys.size(), 2u);
-  EXPECT_EQ(pressesOf({keySuper, keyShift, keyY}, 1), 1u);
-  EXPECT_EQ(pressesOf({keySuper, keyShift, keyX}, 0), 0u);
-  EXPECT_EQ(pressesOf({keySuper, keyShift, keyQ}, 1), 1u);
-}
-
 TEST_F(HotKeys, keepNothingOfACombinationThatIsHeldWithOneLockOnly) {
   ASSERT_TRUE(other.grabKey(keyX, superShiftMask | XCB_MOD_MASK_2));
   EXPECT_EQ(backend.registerHotKey(kVK_ANSI_X, superShift, 1), eventHotKeyExistsErr);

@@ -69,11 +69,6 @@ std::optional<XServer> KeyStrokes::server;
 
 const Strokes controlCAndV = {"Control+c", "Control+v"};
 
-TEST_F(KeyStrokes, copyAndPasteWithControl) {
-  KeyWindow window;
-  EXPECT_EQ(strokesIn(window), controlCAndV);
-}
-
 TEST_F(KeyStrokes, areTheKeysThatGiveTheLettersInEachLayout) {
   KeyWindow window;
   for (const std::vector<std::string>& layout : std::vector<std::vector<std::string>>{{"us"},
