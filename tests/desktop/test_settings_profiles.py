@@ -37,23 +37,21 @@ class Names(SettingsWindowTest):
 
 
 class Typing(SettingsWindowTest):
-    def test_in_the_middle_of_a_name_stays_where_it_is(self):
-        middle = "the quick brown fox jumps over the lazy dog"
-        self.settings.open()
-        self.settings.type_into("Name:", "ad")
-        self.desktop.keyboard.chord("Left")
-        self.desktop.keyboard.type(middle)
-        self.settings.wait_for_text("Name:", f"a{middle}d")
-        self.wait_for_stored("the name", lambda stored: stored["rewriteProfiles"][0]["name"] == f"a{middle}d")
+    """In the middle of a text, as fast as keys can be pressed: each of them stores all profiles."""
 
-    def test_in_the_middle_of_a_prompt_stays_where_it_is(self):
-        middle = "one line\nand another\n" * 3
+    def test_a_name_keeps_its_cursor_and_every_letter(self):
+        self.check("Name:", "name", "the quick brown fox jumps over the lazy dog")
+
+    def test_a_prompt_keeps_its_cursor_and_every_letter(self):
+        self.check("Prompt", "systemPrompt", "one line\nand another\n" * 3)
+
+    def check(self, title, member, middle):
         self.settings.open()
-        self.settings.type_into("Prompt", "ad")
+        self.settings.type_into(title, "ad")
         self.desktop.keyboard.chord("Left")
         self.desktop.keyboard.type(middle)
-        self.settings.wait_for_text("Prompt", f"a{middle}d")
-        self.wait_for_stored("the prompt", lambda stored: stored["rewriteProfiles"][0]["systemPrompt"] == f"a{middle}d")
+        self.settings.wait_for_text(title, f"a{middle}d")
+        self.wait_for_stored(title, lambda stored: stored["rewriteProfiles"][0][member] == f"a{middle}d")
 
 
 class Hundred(SettingsWindowTest):

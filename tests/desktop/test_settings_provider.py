@@ -53,9 +53,12 @@ class Keys(ProviderTabTest):
 
 
 class Pasting(ProviderTabTest):
-    def test_a_key_with_a_newline_at_its_end_is_stored_as_it_came(self):
+    def test_a_key_with_a_newline_at_its_end_is_stored_as_it_came_and_a_test_tells_of_it(self):
         self.paste_into("API Key:", "pasted key\n")
         self.wait_for_key("pasted key\n")
+        self.settings.press("Test Connection")
+        self.wait_for_result("Error: The header “Authorization” of the request holds a line break.")
+        self.assertEqual(self.model.requests, [])
 
 
 class Testing(ProviderTabTest):

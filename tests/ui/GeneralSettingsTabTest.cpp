@@ -1,6 +1,6 @@
 #include "ui/GeneralSettingsTab.h"
 
-#include "tests/ui/UIFixture.h"
+#include "tests/ui/GeneralSettingsTabFixture.h"
 
 namespace tavelle::tests {
 namespace {
@@ -9,32 +9,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
 
-constexpr std::uint32_t capsLock = 0x10000;
-constexpr std::uint32_t shift = 0x20000;
-constexpr std::uint32_t command = 0x100000;
-
-class GeneralSettingsTabTest : public UIFixture {
- protected:
-  // The tab, with these profiles stored.
-  void showWith(std::vector<RewriteProfile> profiles) {
-    settings().setProfiles(std::move(profiles));
-    show<GeneralSettingsTab>();
-    platform.defaults.writes.clear();
-  }
-
-  static RewriteProfile profile(std::string name, std::uint32_t keyCode = 0, std::uint32_t modifiers = 0) {
-    auto prompt = "prompt of " + name;
-    return {UUID::random(), std::move(name), keyCode, modifiers, std::move(prompt)};
-  }
-
-  const RewriteProfile& stored(std::size_t index) { return settings().profiles().at(index); }
-  std::string selected() { return screen->widget(NodeType::list).string(Attribute::value); }
-  void select(std::size_t index) { choose(NodeType::list, stored(index).id.uuidString()); }
-  const view::HeadlessRenderer::Widget& slider() { return screen->widget(NodeType::slider); }
-
-  // The button of the hotkey row.
-  std::string hotkeyTitle() { return screen->widget("Hotkey:").children.at(0)->string(Attribute::title); }
-};
+using GeneralSettingsTabTest = GeneralSettingsTabFixture;
 
 TEST_F(GeneralSettingsTabTest, showsItsSectionsInOrder) {
   show<GeneralSettingsTab>();
@@ -213,115 +188,6 @@ TEST_F(GeneralSettingsTabTest, raisesNoConflictBetweenTwoNewProfiles) {
   press("plus");
   press("plus");
   EXPECT_THAT(section(1), ElementsAre("Profile Settings", "Name:", "Hotkey:", "None"));
-}
-
-TEST_F(GeneralSettingsTabTest, recordsShiftCommandR) {
-  showWith({profile("A")});
-  press("None");
-  EXPECT_EQ(hotkeyTitle(), "Press keys...");
-  keyDown(15, command | shift, "R");
-  EXPECT_EQ(stored(0).keyCode, 15);
-  EXPECT_EQ(stored(0).modifiers, 768);
-  EXPECT_EQ(hotkeyTitle(), "⌘⇧R");
-  EXPECT_THAT(platform.defaults.writes, ElementsAre("rewriteProfiles", "rewriteProfiles"))
-      << "key code, then modifiers";
-}
-
-TEST_F(GeneralSettingsTabTest, recordsABareKey) {
-  showWith({profile("A")});
-  press("None");
-  keyDown(18, 0, "1");
-  EXPECT_EQ(stored(0).keyCode, 18);
-  EXPECT_EQ(stored(0).modifiers, 0);
-  EXPECT_EQ(hotkeyTitle(), "Key18");
-}
-
-TEST_F(GeneralSettingsTabTest, takesTheKeyAWithoutModifiersForNoHotkey) {
-  showWith({profile("A", 15, 768), profile("B")});
-  press("⌘⇧R");
-  keyDown(0, 0, "a");
-  EXPECT_EQ(stored(0).keyCode, 0);
-  EXPECT_EQ(stored(0).modifiers, 0);
-  EXPECT_THAT(section(1), ElementsAre("Profile Settings", "Name:", "Hotkey:", "None"));
-}
-
-TEST_F(GeneralSettingsTabTest, recordsTheSameModifiersWithCapsLockOn) {
-  showWith({profile("A")});
-  press("None");
-  keyDown(15, command | shift | capsLock, "R");
-  EXPECT_EQ(stored(0).modifiers, 768);
-}
-
-TEST_F(GeneralSettingsTabTest, recordsEscapeReturnAndTabLikeAnyKey) {
-  showWith({profile("A", 15, 768)});
-  constexpr std::uint16_t keys[] = {53, 36, 48, 105, 82};
-  for (const auto key : keys) {
-    press(hotkeyTitle());
-    keyDown(key, 0);
-    EXPECT_EQ(hotkeyTitle(), "Key" + std::to_string(key));
-  }
-}
-
-TEST_F(GeneralSettingsTabTest, goesOnRecordingWhenItsButtonIsPressedAgain) {
-  showWith({profile("A")});
-  press("None");
-  press("Press keys...");
-  EXPECT_EQ(hotkeyTitle(), "Press keys...");
-}
-
-TEST_F(GeneralSettingsTabTest, keepsTheKeyThatItRecordsOutOfTheFocusedField) {
-  showWith({profile("A")});
-  screen->focus(screen->widget("Name:"));
-  press("None");
-  type("x");
-  EXPECT_EQ(stored(0).name, "A");
-  type("y");
-  EXPECT_EQ(stored(0).name, "Ay") << "one key only";
-}
-
-TEST_F(GeneralSettingsTabTest, recordsForTheProfileThatIsSelectedWhenTheKeyIsPressed) {
-  showWith({profile("A"), profile("B")});
-  press("None");
-  select(1);
-  EXPECT_EQ(hotkeyTitle(), "Press keys...");
-  keyDown(15, command, "r");
-  EXPECT_EQ(stored(0).keyCode, 0);
-  EXPECT_EQ(stored(1).keyCode, 15);
-}
-
-TEST_F(GeneralSettingsTabTest, goesOnRecordingWhenTheProfileIsRemoved) {
-  showWith({profile("A"), profile("B")});
-  press("None");
-  press("minus");
-  EXPECT_EQ(hotkeyTitle(), "Press keys...");
-  keyDown(15, command, "r");
-  EXPECT_EQ(stored(0).keyCode, 15);
-}
-
-TEST_F(GeneralSettingsTabTest, goesOnRecordingWhereNoProfileIsSelected) {
-  showWith({profile("A"), profile("B")});
-  press("None");
-  choose(NodeType::list, "");
-  keyDown(15, command, "r");
-  EXPECT_THAT(platform.defaults.writes, IsEmpty());
-  select(0);
-  EXPECT_EQ(hotkeyTitle(), "Press keys...");
-}
-
-TEST_F(GeneralSettingsTabTest, warnsEachOfTwoProfilesWithTheSameHotkeyOfTheOther) {
-  showWith({profile("One", 15, 768), profile("Two", 15, 768)});
-  EXPECT_THAT(section(1), ElementsAre("Profile Settings", "Name:", "Hotkey:", "⌘⇧R", "Hotkey conflicts with \"Two\""));
-  EXPECT_EQ(styleOf("Hotkey conflicts with \"Two\"", Attribute::font), "caption");
-  EXPECT_EQ(styleOf("Hotkey conflicts with \"Two\"", Attribute::color), "orange");
-  select(1);
-  EXPECT_TRUE(screen->shows("Hotkey conflicts with \"One\""));
-}
-
-TEST_F(GeneralSettingsTabTest, doesNotWarnOfTheSameKeyWithOtherModifiers) {
-  showWith({profile("One", 15, 768), profile("Two", 15, 256)});
-  EXPECT_EQ(section(1).size(), 4);
-  select(1);
-  EXPECT_EQ(section(1).size(), 4);
 }
 
 TEST_F(GeneralSettingsTabTest, showsWhereAccessIsGrantedInGreen) {
