@@ -80,8 +80,8 @@ class Window(SettingsWindowTest):
         self.settings.open()
         self.settings.choose_tab("About")
         self.settings.choose_tab("General")
-        wanted = {("page tab", "General"), ("push button", "Add Profile"), ("push button", "⌘⇧R"), ("text", "Prompt"),
-                  ("push button", "Reset to Default"), ("slider", "Temperature")}  # fmt: skip
+        wanted = {("page tab", "General"), ("push button", "Add Profile"), ("text", "Name:"), ("push button", "⌘⇧R"),
+                  ("text", "Prompt"), ("push button", "Reset to Default"), ("slider", "Temperature")}  # fmt: skip
         seen = set()
 
         def all_seen():
@@ -90,6 +90,31 @@ class Window(SettingsWindowTest):
             return wanted <= seen
 
         wait_until(all_seen, lambda: f"the focus on each of {wanted - seen}", within=60, every=0.1)
+
+
+    def test_the_letters_of_the_titles_lead_to_their_controls(self):
+        self.settings.open()
+        self.assertTrue(self.settings.element("push button", "Reset to Default"), "its name has no mark of the letter")
+        self.desktop.keyboard.chord("Alt", "N")
+        self.settings.wait_for_focus("text", "Name:")
+        self.desktop.keyboard.type("Named")
+        self.settings.wait_for_text("Name:", "Named")
+        self.desktop.keyboard.chord("Alt", "H")
+        self.settings.wait_until_shown("push button", "Press keys...")
+        self.desktop.keyboard.chord("Alt", "R")  # recorded, and no letter that leads anywhere
+        self.settings.wait_until_shown("push button", "⌥R")
+        self.desktop.keyboard.chord("Alt", "P")
+        self.settings.wait_for_focus("page tab", "Provider")
+        self.desktop.keyboard.chord("Alt", "M")
+        self.settings.wait_for_focus("text", "Model:")
+        self.desktop.keyboard.chord("Alt", "K")
+        self.settings.wait_for_focus("password text", "API Key:")
+        self.desktop.keyboard.chord("Alt", "V")
+        self.settings.wait_for_label(lambda text: text == "Gemini", "the providers to choose from")
+        self.desktop.keyboard.chord("Escape")
+        self.settings.wait_for_focus("combo box", "Provider:")
+        self.desktop.keyboard.chord("Alt", "G")
+        self.settings.wait_until_shown("text", "Prompt")
 
 
 class Renderer(SettingsWindowTest):

@@ -40,14 +40,7 @@ class SettingsWindow:
 
     def renderer(self):
         """The process that draws it, or none."""
-        for pid in self._desktop.processes.marked():
-            try:
-                with open(f"/proc/{pid}/comm", encoding="ascii") as name:
-                    if name.read().startswith("tavelle-setting"):  # the kernel keeps fifteen letters
-                        return pid
-            except OSError:
-                continue  # it has ended
-        return None
+        return self._desktop.processes.find("tavelle-settings")
 
     @property
     def place(self):
@@ -71,8 +64,13 @@ class SettingsWindow:
     def shown(self):
         return [(one.role, one.name) for one in self._frame().all() if one.name and one.role not in ("filler", "panel")]
 
+    def field(self, name):
+        """What a text is typed into; one that hides it has a role of its own."""
+        return self._until(lambda: self._frame().find("text", name) or self._frame().find("password text", name),
+                           lambda: f"a field {name!r}; shown are {self.shown()}")  # fmt: skip
+
     def text(self, name):
-        return self.element("text", name).text
+        return self.field(name).text
 
     def wait_for_text(self, name, text):
         wait_until(lambda: self.text(name) == text, lambda: f"{name!r} holds {text!r}; it holds {self.text(name)!r}")
@@ -103,6 +101,9 @@ class SettingsWindow:
         except GLib.Error:
             return []  # it changed while it was read
 
+    def wait_for_focus(self, role, name):
+        wait_until(lambda: (role, name) in self.focused(), lambda: f"the focus on the {role} {name!r}; it is on {self.focused()}")
+
     def content_place(self):
         """What is below the header bar."""
         return next(one.place for one in self._frame().all() if one.role == "filler" and one.place.y == HEADER)
@@ -114,8 +115,7 @@ class SettingsWindow:
     def press(self, name):
         self.element("push button", name).press()
 
-    def click(self, role, name):
-        element = self.element(role, name)
+    def click(self, element):
         self._scroll_to(element)
         place, frame = self._settled_place(element), self._frame_place()
         self._desktop.pointer.click(self._left(frame) + place.x + place.width / 3, self._top(frame) + self._middle(place))
@@ -128,17 +128,17 @@ class SettingsWindow:
 
     def select_all(self, name):
         """A field that takes the keyboard may put its cursor somewhere yet."""
-        self.click("text", name)
+        self.click(self.field(name))
 
         def is_selected():
             self._desktop.keyboard.chord("Control", "A")
-            return self.element("text", name).is_all_selected
+            return self.field(name).is_all_selected
 
         wait_until(is_selected, lambda: f"all of {name!r} is selected", every=0.1)
 
     def choose_last(self, name, option):
         """Opens a picker and takes the last of its options, which is this one."""
-        self.click("combo box", name)
+        self.click(self.element("combo box", name))
         self.wait_for_label(lambda text: text == option, f"the option {option!r}")
         for key in ("End", "Return"):
             self._desktop.keyboard.chord(key)
