@@ -133,6 +133,18 @@ class Renderer(SettingsWindowTest):
         self.settings.open()
         self.assertTrue(self.settings.element("page tab", "Provider").is_("selected"))
 
+    def test_frozen_it_is_told_of_once_the_person_clicks_and_opens_again(self):
+        self.settings.open()
+        frozen = self.settings.renderer()
+        os.kill(frozen, signal.SIGSTOP)
+        place = self.settings.place
+        self.desktop.pointer.click(place.x + place.width / 2, place.y + place.height / 2)
+        self.desktop.notifications.wait_for_one(
+            lambda one: one.body == "The settings window did not answer. Open it again.", "that the window is frozen", within=20)  # fmt: skip
+        self.settings.wait_for_closed()
+        self.settings.open()
+        self.assertNotEqual(self.settings.renderer(), frozen)
+
     def test_it_ends_with_tavelle(self):
         self.settings.open()
         self.tavelle.end_kindly()
