@@ -4,6 +4,7 @@ import json
 import os
 import signal
 
+from tavelle_desktop import configuration
 from tavelle_desktop.journey import DONE, TEXT, DesktopTest
 from tavelle_desktop.model import reworded
 from tavelle_desktop.product import APPLICATION_ID, Profile
@@ -115,6 +116,47 @@ class Window(SettingsWindowTest):
         self.settings.wait_for_focus("combo box", "Provider:")
         self.desktop.keyboard.chord("Alt", "G")
         self.settings.wait_until_shown("text", "Prompt")
+
+
+    def test_it_follows_the_dark_mode_while_it_is_open(self):
+        self.settings.open()
+        self.assertGreater(self.settings.brightness(), 200)
+        for is_dark, is_shown in ((True, lambda: self.settings.brightness() < 80), (False, lambda: self.settings.brightness() > 200)):
+            configuration.write_application_settings(self.desktop.home / ".config", is_dark)
+            wait_until(is_shown, lambda is_dark=is_dark: f"the window with dark mode {is_dark}; its brightness is {self.settings.brightness()}")  # fmt: skip
+
+
+class DenseScreen(SettingsWindowTest):
+    options = Options(accessibility=True, screen="1400x1300")
+
+    def start_tavelle(self, *arguments, **settings):
+        self.desktop.environment["GDK_SCALE"] = "2"
+        return super().start_tavelle(*arguments, **settings)
+
+    def test_the_window_has_its_size_in_points_and_stands_where_it_stood(self):
+        self.settings.open()
+        content, place = self.settings.content_place(), self.settings.place
+        self.assertEqual((content.width, content.height), (480, 500))
+        self.assertGreater(place.width, 2 * content.width)
+        self.settings.window.configure(x=100, y=60)
+        wait_until(lambda: (self.settings.place.x, self.settings.place.y) == (100, 60), "the window is moved")
+        self.settings.close()
+        self.settings.open()
+        wait_until(lambda: (self.settings.place.x, self.settings.place.y) == (100, 60),
+                   lambda: f"the window where it stood; it is at {self.settings.place}")  # fmt: skip
+
+
+class LargeTexts(SettingsWindowTest):
+    options = Options(accessibility=True, screen="1400x1300")
+
+    def start_tavelle(self, *arguments, **settings):
+        self.desktop.processes.run("xrdb", "-merge", text="Xft.dpi: 192\n")
+        return super().start_tavelle(*arguments, **settings)
+
+    def test_the_window_grows_with_them(self):
+        self.settings.open()
+        content = self.settings.content_place()
+        self.assertEqual((content.width, content.height), (960, 1000))
 
 
 class Renderer(SettingsWindowTest):

@@ -89,6 +89,11 @@ class SettingsWindow:
 
         wait_until(is_still, "the settings window is still", every=0.3)
 
+    def brightness(self):
+        """Of its pixels on the average, 0 to 255."""
+        some = self._desktop.screen.pixels(self.window)[:: 4 * 499]
+        return sum(some) / len(some)
+
     def picture(self, path):
         self._desktop.processes.run("import", "-display", self._desktop.display_name, "-window", self.window.id, path, within=20)
 
@@ -106,7 +111,9 @@ class SettingsWindow:
 
     def content_place(self):
         """What is below the header bar."""
-        return next(one.place for one in self._frame().all() if one.role == "filler" and one.place.y == HEADER)
+        frame = self._frame_place()
+        return next(one.place for one in self._frame().all()
+                    if one.role == "filler" and one.place.width == frame.width and one.place.y > 0)  # fmt: skip
 
     def choose_tab(self, name):
         self.element("page tab", name).press()
