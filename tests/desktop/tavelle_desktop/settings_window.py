@@ -64,16 +64,11 @@ class SettingsWindow:
     def shown(self):
         return [(one.role, one.name) for one in self._frame().all() if one.name and one.role not in ("filler", "panel")]
 
-    def field(self, name):
-        """What a text is typed into; one that hides it has a role of its own."""
-        return self._until(lambda: self._frame().find("text", name) or self._frame().find("password text", name),
-                           lambda: f"a field {name!r}; shown are {self.shown()}")  # fmt: skip
-
     def text(self, name):
-        return self.field(name).text
+        return self.element("text", name).text
 
     def wait_for_text(self, name, text):
-        wait_until(lambda: self.text(name) == text, lambda: f"{name!r} holds {text!r}; it holds {self.text(name)!r}")
+        self._until(lambda: self.text(name) == text, lambda: f"{name!r} holds {text!r}; it holds {self.text(name)!r}")
 
     def wait_for_label(self, accept, what):
         return self._until(lambda: next((one.name for one in self._frame().all() if one.role == "label" and accept(one.name)), None),
@@ -89,11 +84,6 @@ class SettingsWindow:
 
         wait_until(is_still, "the settings window is still", every=0.3)
 
-    def brightness(self):
-        """Of its pixels on the average, 0 to 255."""
-        some = self._desktop.screen.pixels(self.window)[:: 4 * 499]
-        return sum(some) / len(some)
-
     def picture(self, path):
         self._desktop.processes.run("import", "-display", self._desktop.display_name, "-window", self.window.id, path, within=20)
 
@@ -105,9 +95,6 @@ class SettingsWindow:
             return [(one.role, one.name) for one in self._frame().all() if one.is_("focused")]
         except GLib.Error:
             return []  # it changed while it was read
-
-    def wait_for_focus(self, role, name):
-        wait_until(lambda: (role, name) in self.focused(), lambda: f"the focus on the {role} {name!r}; it is on {self.focused()}")
 
     def content_place(self):
         """What is below the header bar."""
@@ -122,7 +109,8 @@ class SettingsWindow:
     def press(self, name):
         self.element("push button", name).press()
 
-    def click(self, element):
+    def click(self, role, name):
+        element = self.element(role, name)
         self._scroll_to(element)
         place, frame = self._settled_place(element), self._frame_place()
         self._desktop.pointer.click(self._left(frame) + place.x + place.width / 3, self._top(frame) + self._middle(place))
@@ -135,17 +123,17 @@ class SettingsWindow:
 
     def select_all(self, name):
         """A field that takes the keyboard may put its cursor somewhere yet."""
-        self.click(self.field(name))
+        self.click("text", name)
 
         def is_selected():
             self._desktop.keyboard.chord("Control", "A")
-            return self.field(name).is_all_selected
+            return self.element("text", name).is_all_selected
 
         wait_until(is_selected, lambda: f"all of {name!r} is selected", every=0.1)
 
     def choose_last(self, name, option):
         """Opens a picker and takes the last of its options, which is this one."""
-        self.click(self.element("combo box", name))
+        self.click("combo box", name)
         self.wait_for_label(lambda text: text == option, f"the option {option!r}")
         for key in ("End", "Return"):
             self._desktop.keyboard.chord(key)
