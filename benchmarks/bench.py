@@ -16,6 +16,7 @@ sys.path[:0] = [str(ROOT / "benchmarks"), str(ROOT / "tests" / "desktop")]
 
 from overhead.measure import Bench, Plan, edit_of_profiles  # noqa: E402
 from overhead.report import TAVELLE, over_budget, table  # noqa: E402
+from overhead.settings_window import WindowBench  # noqa: E402
 from overhead.usage import adopt_orphans  # noqa: E402
 from tavelle_desktop.session import Desktop, Options  # noqa: E402
 
@@ -29,7 +30,7 @@ class Programs:
 
 def arguments():
     parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("--quick", action="store_true", help="few runs: a minute, and numbers that are only a hint")
+    parser.add_argument("--quick", action="store_true", help="few runs: three minutes, and numbers that are only a hint")
     parser.add_argument("--programs", type=Path, default=ROOT / "build" / "bench" / "bin", help="where the bench's programs are")
     parser.add_argument("--tavelle", type=Path, help="another Tavelle than the one beside them")
     parser.add_argument("--out", type=Path, default=ROOT / "out" / "bench")
@@ -51,6 +52,9 @@ def main():
     with Desktop(desktop_options, options.out / "logs") as desktop:
         bench = Bench(desktop, programs, Plan(options.quick), tell)
         bench.take_all()
+    window = WindowBench(programs, bench.plan, options.out / "logs", tell)
+    window.take_all()
+    bench.values.update(window.values)
     tell("10,000 profiles")
     bench.values["profiles", TAVELLE] = edit_of_profiles(programs)
 

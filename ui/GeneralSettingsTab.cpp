@@ -72,15 +72,16 @@ Node GeneralSettingsTab::profileSettingsSection(std::size_t index) {
   const auto title = isRecordingHotkey_.get() ? "Press keys..." : hotkeyString(profile.keyCode, profile.modifiers);
   const auto warning = duplicateHotkeyWarning(profile, settings_.profiles());
 
-  return section("Profile Settings", textField("Name:", binding(index, &RewriteProfile::name)),
-                 labeledContent("Hotkey:", button(title, [this] { isRecordingHotkey_.set(true); })),
+  return section("Profile Settings", textField("Name:", binding(index, &RewriteProfile::name)).mnemonic("N"),
+                 labeledContent("Hotkey:", button(title, [this] { isRecordingHotkey_.set(true); })).mnemonic("H"),
                  warning ? std::optional{text(*warning).font(Font::caption).color(Color::orange)} : std::nullopt);
 }
 
 Node GeneralSettingsTab::promptSection(std::size_t index) {
   const auto prompt = binding(index, &RewriteProfile::systemPrompt);
-  return section("Prompt", textEditor(prompt).labeled("Prompt").font(Font::body).monospaced().minimumHeight(80),
-                 button("Reset to Default", [prompt] { prompt.set(std::string{defaultSystemPrompt}); }).small());
+  return section(
+      "Prompt", textEditor(prompt).labeled("Prompt").font(Font::body).monospaced().minimumHeight(80),
+      button("Reset to Default", [prompt] { prompt.set(std::string{defaultSystemPrompt}); }).mnemonic("R").small());
 }
 
 Node GeneralSettingsTab::accessibilitySection() {
@@ -88,7 +89,7 @@ Node GeneralSettingsTab::accessibilitySection() {
     return section("", labeledContent("Accessibility:", text("Granted").color(Color::green)));
   }
   return section("", labeledContent("Accessibility:", text("Not Granted").color(Color::red),
-                                    button("Grant Access", [] { grantAccess(); })));
+                                    button("Grant Access", [] { grantAccess(); }).mnemonic("C")));
 }
 
 Node GeneralSettingsTab::temperatureSection() {

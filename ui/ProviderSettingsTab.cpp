@@ -39,7 +39,7 @@ Node ProviderSettingsTab::providerSection() {
                                          if (const auto chosen = LLMProvider::fromRawValue(tag))
                                            chooseProvider(*chosen);
                                        }};
-  return section("Provider", picker("Provider:", selection, std::move(options)));
+  return section("Provider", picker("Provider:", selection, std::move(options)).mnemonic("V"));
 }
 
 Node ProviderSettingsTab::connectionSection() {
@@ -50,11 +50,13 @@ Node ProviderSettingsTab::connectionSection() {
                                     }};
   const auto provider = settings_.provider();
   // The fields belong to their provider: a key that is typed for one never reaches another.
-  return section("Connection",
-                 textField("Base URL:",
-                           settingsBinding(settings_, &SettingsManager::baseURL, &SettingsManager::setBaseURL)),
-                 textField("Model:", settingsBinding(settings_, &SettingsManager::model, &SettingsManager::setModel)),
-                 provider.requiresAPIKey() ? std::optional{secureField("API Key:", apiKey)} : std::nullopt)
+  return section(
+             "Connection",
+             textField("Base URL:", settingsBinding(settings_, &SettingsManager::baseURL, &SettingsManager::setBaseURL))
+                 .mnemonic("B"),
+             textField("Model:", settingsBinding(settings_, &SettingsManager::model, &SettingsManager::setModel))
+                 .mnemonic("M"),
+             provider.requiresAPIKey() ? std::optional{secureField("API Key:", apiKey).mnemonic("K")} : std::nullopt)
       .keyed(std::string{provider.id()});
 }
 
@@ -62,6 +64,7 @@ Node ProviderSettingsTab::testSection() {
   const auto& result = testResult_.get();
   return section(
       "", horizontalStack(button(isTesting_.get() ? "Testing..." : "Test Connection", [this] { testConnection(); })
+                              .mnemonic("T")
                               .disabled(isTesting_.get())
                               .busy(isTesting_.get()),
                           result ? std::optional{text(*result)

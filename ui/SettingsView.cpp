@@ -13,9 +13,9 @@ namespace tavelle {
 using namespace view;
 
 Node SettingsView::body() {
-  const std::vector<Tab> tabs{{"General", "gear", component<GeneralSettingsTab>()},
-                              {"Provider", "cloud", component<ProviderSettingsTab>()},
-                              {"About", "info.circle", component<AboutTab>()}};
+  const std::vector<Tab> tabs{{"General", "G", "gear", component<GeneralSettingsTab>()},
+                              {"Provider", "P", "cloud", component<ProviderSettingsTab>()},
+                              {"About", "A", "info.circle", component<AboutTab>()}};
   return verticalStack(component<TabView>(tabs)).frame(480, 500);
 }
 

@@ -20,11 +20,14 @@ Node TavelleAccountSection::body() {
 
 std::vector<Node> TavelleAccountSection::signedOutRows() {
   std::vector<Node> rows;
-  rows.push_back(textField("Email:", loginEmail_.binding()));
-  rows.push_back(button(account_.isLoading() ? "Sending..." : "Send Login Link", [this] {
-                   const auto self = std::static_pointer_cast<TavelleAccountSection>(shared_from_this());
-                   Platform::current().mainActor().start(requestLogin(self));
-                 }).disabled(loginEmail_.get().empty() || account_.isLoading()));
+  rows.push_back(textField("Email:", loginEmail_.binding()).mnemonic("E"));
+  rows.push_back(button(account_.isLoading() ? "Sending..." : "Send Login Link",
+                        [this] {
+                          const auto self = std::static_pointer_cast<TavelleAccountSection>(shared_from_this());
+                          Platform::current().mainActor().start(requestLogin(self));
+                        })
+                     .mnemonic("L")
+                     .disabled(loginEmail_.get().empty() || account_.isLoading()));
   if (loginSent_.get()) {
     rows.push_back(text("Check your email for a login link.").color(Color::secondary).font(Font::caption));
   }
@@ -37,7 +40,7 @@ std::vector<Node> TavelleAccountSection::signedInRows() {
   if (const auto& message = account_.errorMessage()) {
     rows.push_back(text(*message).color(Color::red).font(Font::caption));
   }
-  rows.push_back(horizontalStack(spacer(), button("Sign Out", [this] { account_.signOut(); })));
+  rows.push_back(horizontalStack(spacer(), button("Sign Out", [this] { account_.signOut(); }).mnemonic("S")));
   return rows;
 }
 

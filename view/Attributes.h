@@ -17,6 +17,7 @@ enum class Attribute : std::uint8_t {
   value,       // what the person changes: string (a field's text, the tag selected; empty for none), double (slider)
   tag,         // string: what a row, an option or a tab is called in its parent's value
   label,       // string: the name for assistive technology, and the tooltip, of what shows no title
+  mnemonic,    // string: the letter of the title that leads to it together with Alt, where a system has such keys
   symbol,      // string: the system symbol of a button or a tab
   image,       // string: the name of an image in the application's resources
   enabled,     // boolean: takes input

@@ -16,10 +16,12 @@ constexpr std::array nodeTypes{
     "option"sv,         "slider"sv, "image"sv,     "spacer"sv,      "keyCapture"sv,
 };
 constexpr std::array attributes{
-    "title"sv,   "text"sv,    "value"sv,   "tag"sv,   "label"sv,  "symbol"sv,        "image"sv,
-    "enabled"sv, "busy"sv,    "color"sv,   "font"sv,  "bold"sv,   "monospaced"sv,    "monospacedDigits"sv,
-    "small"sv,   "axis"sv,    "spacing"sv, "width"sv, "height"sv, "minimumHeight"sv, "maximumWidth"sv,
-    "fills"sv,   "minimum"sv, "maximum"sv, "step"sv,
+    "title"sv,         "text"sv,         "value"sv,   "tag"sv,        "label"sv,
+    "mnemonic"sv,      "symbol"sv,       "image"sv,   "enabled"sv,    "busy"sv,
+    "color"sv,         "font"sv,         "bold"sv,    "monospaced"sv, "monospacedDigits"sv,
+    "small"sv,         "axis"sv,         "spacing"sv, "width"sv,      "height"sv,
+    "minimumHeight"sv, "maximumWidth"sv, "fills"sv,   "minimum"sv,    "maximum"sv,
+    "step"sv,
 };
 static_assert(nodeTypes.size() == static_cast<std::size_t>(NodeType::keyCapture) + 1);
 static_assert(attributes.size() == static_cast<std::size_t>(Attribute::step) + 1);

@@ -50,6 +50,7 @@ struct Node {
     return std::move(*this);
   }
   Node labeled(std::string name) && { return std::move(*this).with(Attribute::label, std::move(name)); }
+  Node mnemonic(std::string letter) && { return std::move(*this).with(Attribute::mnemonic, std::move(letter)); }
   Node color(Color color) &&;
   Node font(Font font) &&;
   Node bold() && { return std::move(*this).with(Attribute::bold, true); }

@@ -18,6 +18,7 @@ Node TabView::body() {
                     .keyed(tab.title)
                     .with(Attribute::title, tab.title)
                     .with(Attribute::tag, tab.title)
+                    .mnemonic(tab.mnemonic)
                     .with(Attribute::symbol, tab.symbol);
     if (tab.title == chosen_.get()) node.children.push_back(tab.content);
     view.children.push_back(std::move(node));

@@ -10,6 +10,7 @@ namespace tavelle::view {
 
 struct Tab {
   std::string title;
+  std::string mnemonic;
   std::string symbol;
   Node content;
 };

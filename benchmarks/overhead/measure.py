@@ -11,7 +11,7 @@ from tavelle_desktop.waiting import wait_until
 from .events import Events, Teller
 from .peers import Floor, Pipeline, Tavelle
 from .run import Stage, text_of
-from .usage import ForeignLoad, Orphans, children, memory, processor_seconds, wake_ups
+from .usage import ForeignLoad, Orphans, children, memory, processor_seconds, wait_until_idle, wake_ups
 
 SIZES = {"100 B": 100, "10 KB": 10_000, "1 MB": 1_000_000}
 LARGE = {"types": 20, "bytes": 5_000_000}
@@ -27,6 +27,8 @@ class Plan:
         self.warm_up = 1 if quick else 2
         self.runs = 6 if quick else 25
         self.large_runs = 1 if quick else 3
+        self.openings = 3 if quick else 12
+        self.letters = 5 if quick else 40
         self.idle_seconds = 5 if quick else 20
         self.is_quick = quick
 
@@ -109,25 +111,12 @@ class Bench:
     def _measure_memory(self, when):
         self._settle(LAST_DEADLINE)
         for peer in self.peers:
-            private, written, proportional = memory(peer.resident(self._left_behind()))
-            self.values[f"private {when}", peer.name] = [private / 1e6]
-            self.values[f"written {when}", peer.name] = [written / 1e6]
-            self.values[f"proportional {when}", peer.name] = [proportional / 1e6]
+            for kind, megabytes in memory(peer.resident(self._left_behind())).items():
+                self.values[f"{kind} {when}", peer.name] = [megabytes]
 
     def _settle(self, quiet=1.5):
-        """What the last run or start left to do is done: nobody has used the processor for so many seconds."""
-        def used():
-            return sum(map(self._processor_seconds, self.peers))
-
-        last = [used(), time.monotonic()]
-
-        def is_quiet():
-            now = used()
-            if now - last[0] > 0.0005:
-                last[:] = now, time.monotonic()
-            return time.monotonic() - last[1] > quiet
-
-        wait_until(is_quiet, "the tools are idle", within=120, every=0.1)
+        """What the last run or start left to do is done."""
+        wait_until_idle(lambda: [pid for peer in self.peers for pid in peer.resident(self._left_behind())], quiet)
 
     def _measure_runs(self, label, text):
         for number in range(-self.plan.warm_up, self.plan.runs):

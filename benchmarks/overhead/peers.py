@@ -78,21 +78,20 @@ class Tavelle(Peer):
     name = "Tavelle"
     key = "J"
     note = "the release build, with a provider, a key in the keyring and one profile"
-    SETTINGS = {
-        "provider": "custom", "model": "bench", "temperature": 0.7,
-        "rewriteProfiles": [{"id": "11111111-2222-4333-8444-555555555555", "name": "Reword", "keyCode": 38,
-                             "modifiers": 0x1000 + 0x800, "systemPrompt": "p"}],
-    }  # fmt: skip
+    PROFILE = {"id": "11111111-2222-4333-8444-555555555555", "name": "Reword", "keyCode": 38, "modifiers": 0x1000 + 0x800,
+               "systemPrompt": "p"}  # fmt: skip
 
-    def __init__(self, desktop, model_url, program):
+    def __init__(self, desktop, model_url, program, profiles=(PROFILE,)):
         self.program = program
+        self.settings_folder = Path(desktop.environment["XDG_CONFIG_HOME"]) / "tavelle"
+        self._profiles = profiles
         super().__init__(desktop, model_url)
 
     def prepare(self):
-        folder = Path(self.desktop.environment["XDG_CONFIG_HOME"]) / "tavelle"
-        folder.mkdir(parents=True)
-        base = self.model_url.removesuffix("/chat/completions")
-        (folder / "settings.json").write_text(json.dumps({**self.SETTINGS, "baseURL": base}), encoding="utf-8")
+        settings = {"provider": "custom", "model": "bench", "temperature": 0.7, "rewriteProfiles": list(self._profiles),
+                    "baseURL": self.model_url.removesuffix("/chat/completions")}  # fmt: skip
+        self.settings_folder.mkdir(parents=True)
+        (self.settings_folder / "settings.json").write_text(json.dumps(settings), encoding="utf-8")
         if self.desktop.options.keyring != "absent":
             self.desktop.processes.run("secret-tool", "store", "--label=Tavelle", "service", "app.tavelle.Tavelle",
                                        "account", "apiKey_custom", text="made-up key")  # fmt: skip

@@ -48,6 +48,22 @@ def rows():
     yield Row("100 MB in 20 types: snapshot and restore", "large", "s", 2, limit=1)
     yield Row("100 MB in 20 types: bytes lost", "large lost", "", 0, limit=0, compares=False)
     yield Row("100 MB in 20 types: read back by another program", "large read back", "s", 2)
+    yield Row("click on \"Settings...\" to window drawn, the first time", "window first", limit=250)
+    yield Row("click on \"Settings...\" to window drawn, after that", "window again", limit=50)
+    yield Row("click on \"Settings...\" to window drawn, the first time, 1,000 profiles", "window many", compares=False)
+    for when, at in (("before the window", "before the settings window was opened"), ("window open", "while it is open"),
+                     ("window closed", "after it was closed"), ("renderer ended", "after its renderer has ended")):  # fmt: skip
+        limits = {} if when == "window open" or when == "window closed" else {"private": 3, "proportional": 15}
+        for kind in ("private", "written", "proportional"):
+            label = "of the private what it wrote" if kind == "written" else kind
+            yield Row(f"memory {at}, {label}", f"{kind} {when}", "MB", limit=limits.get(kind), compares=False)
+    for kind in ("private", "written", "proportional"):
+        label = "of the private what it wrote" if kind == "written" else kind
+        yield Row(f"memory of the window's renderer, {label}", f"{kind} renderer open", "MB")
+    for measure, what in (("drawn", "the letter drawn"), ("everywhere", "the letter drawn in the list too"), ("stored", "stored")):
+        yield Row(f"key press in a name among 1,000 profiles to {what}", f"letter {measure}")
+    yield Row("processor time of that, Tavelle itself", "letter processor")
+    yield Row("processor time of that, the window's renderer", "letter processor of the renderer")
     yield Row("10,000 profiles stored, one edited", "profiles", limit=20)
 
 

@@ -1,8 +1,11 @@
 """What processes use: processor time, memory, wake-ups."""
 
+import contextlib
 import ctypes
 import os
 import time
+
+from tavelle_desktop.waiting import wait_until
 
 SET_CHILD_SUBREAPER = 36
 
@@ -47,16 +50,36 @@ def processor_seconds(pid):
 
 
 def memory(pids):
-    """(private, written, proportional) bytes of the processes together; what was written is a part of what is private."""
-    private = written = proportional = 0
+    """Megabytes of the processes together; what was written is a part of what is private."""
+    sums = {"private": 0, "written": 0, "proportional": 0}
     for pid in pids:
         with open(f"/proc/{pid}/smaps_rollup", encoding="ascii") as rollup:
             fields = dict(line.split(":", 1) for line in rollup if line.endswith("kB\n"))
-        size = {name: int(value.split()[0]) * 1024 for name, value in fields.items()}
-        private += size["Private_Clean"] + size["Private_Dirty"]
-        written += size["Anonymous"]
-        proportional += size["Pss"]
-    return private, written, proportional
+        size = {name: int(value.split()[0]) * 1024 / 1e6 for name, value in fields.items()}
+        sums["private"] += size["Private_Clean"] + size["Private_Dirty"]
+        sums["written"] += size["Anonymous"]
+        sums["proportional"] += size["Pss"]
+    return sums
+
+
+def wait_until_idle(pids, quiet=1.5):
+    """Until none of the processes that `pids()` tells has used the processor for so many seconds."""
+    def used():
+        seconds = 0.0
+        for pid in pids():
+            with contextlib.suppress(OSError):  # it has just ended
+                seconds += processor_seconds(pid)
+        return seconds
+
+    last = [used(), time.monotonic()]
+
+    def is_quiet():
+        now = used()
+        if now - last[0] > 0.0005:
+            last[:] = now, time.monotonic()
+        return time.monotonic() - last[1] > quiet
+
+    wait_until(is_quiet, "the programs are idle", within=120, every=0.1)
 
 
 def wake_ups(pids):

@@ -12,11 +12,14 @@ namespace tavelle {
 // at the main actor for it, so that a limit which is put off with every piece of progress costs no wake-ups.
 class Deadline {
  public:
-  Deadline(MainActor& actor, std::function<void()> passed);
+  using Clock = std::function<std::chrono::steady_clock::time_point()>;
+
+  Deadline(MainActor& actor, std::function<void()> passed, Clock clock = std::chrono::steady_clock::now);
 
   // Replaces the moment set before.
   void set(std::chrono::milliseconds fromNow);
   void clear();
+  bool isSet() const;
 
  private:
   struct State;

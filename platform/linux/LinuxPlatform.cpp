@@ -86,6 +86,7 @@ std::unique_ptr<SerialExecutor> LinuxPlatform::makeSerialExecutor() {
 std::unique_ptr<Window> LinuxPlatform::makeWindow(Rect contentRect, WindowStyleMask, BackingStoreType, bool) {
   return std::make_unique<LinuxWindow>(
       mainActor_, contentRect, LinuxWindow::Drawing{LinuxWindow::standardProgram()},
+      [this](std::function<void()> onPress) { return desktop_->pointerPresses().subscribe(std::move(onPress)); },
       [this](const std::string& trouble, const std::string& cause) { tellTrouble(trouble, cause); });
 }
 

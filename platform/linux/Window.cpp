@@ -8,12 +8,16 @@
 
 namespace tavelle {
 
-LinuxWindow::LinuxWindow(MainActor& actor, Rect contentRect, Drawing drawing, Tell tell)
+LinuxWindow::LinuxWindow(MainActor& actor, Rect contentRect, Drawing drawing, WatchPresses watchPresses, Tell tell)
     : contentRect_(contentRect),
       drawing_(std::move(drawing)),
+      watchPresses_(std::move(watchPresses)),
       tell_(std::move(tell)),
-      unanswered_(actor, [this] { giveUp("The settings window did not answer. Open it again.", "no answer in time"); }),
-      rested_(actor, [this] { endRenderer(); }) {}
+      unanswered_(
+          actor, [this] { giveUp("The settings window did not answer. Open it again.", "no answer in time"); },
+          drawing_.clock),
+      rested_(
+          actor, [this] { endRenderer(); }, drawing_.clock) {}
 
 LinuxWindow::~LinuxWindow() {
   endRenderer();
@@ -31,8 +35,8 @@ void LinuxWindow::setContentView(std::shared_ptr<view::Content> content) {
 void LinuxWindow::makeKeyAndOrderFront() {
   rested_.clear();
   if (!renderer_ && !startRenderer()) return;
-  renderer_->send(encodeLine(Present{++presents_, title_, contentRect_.width, contentRect_.height, place_}));
-  unanswered_.set(drawing_.patience);
+  renderer_->send(encodeLine(Present{++questions_, title_, contentRect_.width, contentRect_.height, place_}));
+  expectAnswer();
 }
 
 bool LinuxWindow::startRenderer() {
@@ -51,6 +55,7 @@ bool LinuxWindow::startRenderer() {
 }
 
 void LinuxWindow::endRenderer() {
+  presses_.cancel();
   unanswered_.clear();
   rested_.clear();
   if (content_ && renderer_) content_->attach(nullptr);
@@ -75,12 +80,37 @@ void LinuxWindow::hear(const view::Event& event) {
 }
 
 void LinuxWindow::hear(const Presented& presented) {
-  if (presented.number != presents_) return;
-  unanswered_.clear();
+  if (!hasAnswered(presented.number)) return;
   rested_.clear();  // it may have been closed just before the request came to it
+  presses_ = watchPresses_([this] { pressed(); });
+}
+
+void LinuxWindow::hear(const Pong& pong) {
+  hasAnswered(pong.number);
+}
+
+// Whoever asks again and again does not put it off.
+void LinuxWindow::expectAnswer() {
+  if (!unanswered_.isSet()) unanswered_.set(drawing_.patience);
+}
+
+// All of them.
+bool LinuxWindow::hasAnswered(std::uint64_t number) {
+  unanswered_.clear();
+  if (number == questions_) return true;
+  expectAnswer();
+  return false;
+}
+
+// The person may have pressed in vain.
+void LinuxWindow::pressed() {
+  if (unanswered_.isSet()) return;
+  renderer_->send(encodeLine(Ping{++questions_}));
+  expectAnswer();
 }
 
 void LinuxWindow::hear(const Closed& closed) {
+  presses_.cancel();
   place_ = closed.place;
   rested_.set(drawing_.restAfterClosing);
 }

@@ -33,7 +33,12 @@ struct Named {
 
   bool is(const char* name) const { return view::readString(array[0]) == name; }
   const JSON& contents(std::size_t size) const { return view::readObject(array[1], size); }
+  std::uint64_t number() const { return view::readNumber(view::readMember(contents(1), "number")); }
 };
+
+std::string numbered(const char* name, std::uint64_t number) {
+  return view::toLine(JSON::array({name, {{"number", number}}}));
+}
 
 }  // namespace
 
@@ -47,16 +52,25 @@ std::string encodeLine(const Present& present) {
 }
 
 std::string encodeLine(const Presented& presented) {
-  return view::toLine(JSON::array({"presented", {{"number", presented.number}}}));
+  return numbered("presented", presented.number);
+}
+
+std::string encodeLine(const Ping& ping) {
+  return numbered("ping", ping.number);
+}
+
+std::string encodeLine(const Pong& pong) {
+  return numbered("pong", pong.number);
 }
 
 std::string encodeLine(const Closed& closed) {
   return view::toLine(JSON::array({"closed", {{"place", write(closed.place)}}}));
 }
 
-std::variant<view::Batch, Present> decodeOrder(std::string_view line) {
+std::variant<view::Batch, Present, Ping> decodeOrder(std::string_view line) {
   if (!isOfTheWindow(line)) return view::decodeBatch(line);
   const Named named{line};
+  if (named.is("ping")) return Ping{named.number()};
   if (!named.is("present")) throw view::WireError{"an unknown order"};
   const auto& contents = named.contents(5);
   return Present{
@@ -65,10 +79,11 @@ std::variant<view::Batch, Present> decodeOrder(std::string_view line) {
       readPlace(view::readMember(contents, "place"))};
 }
 
-std::variant<view::Event, Presented, Closed> decodeReport(std::string_view line) {
+std::variant<view::Event, Presented, Pong, Closed> decodeReport(std::string_view line) {
   if (!isOfTheWindow(line)) return view::decodeEvent(line);
   const Named named{line};
-  if (named.is("presented")) return Presented{view::readNumber(view::readMember(named.contents(1), "number"))};
+  if (named.is("presented")) return Presented{named.number()};
+  if (named.is("pong")) return Pong{named.number()};
   if (named.is("closed")) return Closed{readPlace(view::readMember(named.contents(1), "place"))};
   throw view::WireError{"an unknown report"};
 }

@@ -16,6 +16,8 @@ namespace tavelle {
 //
 //   ["present",{"number":1,"title":"Settings","width":480,"height":500,"place":null}]
 //   ["presented",{"number":1}]
+//   ["ping",{"number":2}]
+//   ["pong",{"number":2}]
 //   ["closed",{"place":{"x":12,"y":34}}]
 
 // Of a window's upper left corner, in pixels of the screen. Unknown on desktops that do not tell.
@@ -41,6 +43,18 @@ struct Presented {
   bool operator==(const Presented&) const = default;
 };
 
+// Say that you are there: once all that came before, lines and the person's input alike, is dealt with.
+struct Ping {
+  std::uint64_t number;
+  bool operator==(const Ping&) const = default;
+};
+
+// It is, for the ping of that number.
+struct Pong {
+  std::uint64_t number;
+  bool operator==(const Pong&) const = default;
+};
+
 // The person has closed it, and it is hidden.
 struct Closed {
   std::optional<WindowPlace> place;
@@ -49,10 +63,12 @@ struct Closed {
 
 std::string encodeLine(const Present& present);
 std::string encodeLine(const Presented& presented);
+std::string encodeLine(const Ping& ping);
+std::string encodeLine(const Pong& pong);
 std::string encodeLine(const Closed& closed);
 
 // What a renderer hears, and what it says. Each throws view::WireError for anything else.
-std::variant<view::Batch, Present> decodeOrder(std::string_view line);
-std::variant<view::Event, Presented, Closed> decodeReport(std::string_view line);
+std::variant<view::Batch, Present, Ping> decodeOrder(std::string_view line);
+std::variant<view::Event, Presented, Pong, Closed> decodeReport(std::string_view line);
 
 }  // namespace tavelle

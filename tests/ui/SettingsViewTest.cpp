@@ -2,10 +2,14 @@
 
 #include "tests/ui/UIFixture.h"
 
+#include <algorithm>
+#include <cctype>
+
 namespace tavelle::tests {
 namespace {
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::Pair;
 using testing::SizeIs;
 
@@ -14,6 +18,24 @@ class SettingsViewTest : public UIFixture {
   void SetUp() override { show<SettingsView>(); }
 
   std::string chosen() { return screen->widget(NodeType::tabView).string(Attribute::value); }
+
+  // Of what is shown now: each control's letter, which must be in its title.
+  std::vector<std::string> mnemonics() {
+    std::vector<std::string> letters;
+    for (const auto type : {NodeType::tab, NodeType::textField, NodeType::secureField, NodeType::picker,
+                            NodeType::labeledContent, NodeType::button}) {
+      for (const auto* control : screen->all(type)) {
+        const auto letter = control->string(Attribute::mnemonic);
+        if (letter.empty()) continue;
+        letters.push_back(letter);
+        auto title = control->string(Attribute::title);
+        std::transform(title.begin(), title.end(), title.begin(), [](unsigned char c) { return std::toupper(c); });
+        EXPECT_THAT(title, HasSubstr(letter));
+      }
+    }
+    std::sort(letters.begin(), letters.end());
+    return letters;
+  }
 };
 
 TEST_F(SettingsViewTest, hasThreeTabsWithTitlesAndSymbolsInOrder) {
@@ -62,6 +84,16 @@ TEST_F(SettingsViewTest, stopsRecordingAHotkeyWithTheTab) {
   choose(NodeType::tabView, "General");
   EXPECT_TRUE(screen->shows("⌘⇧R"));
   EXPECT_FALSE(screen->shows("Press keys..."));
+}
+
+TEST_F(SettingsViewTest, givesEachControlOfATabALetterOfItsOwn) {
+  platform.access.trusted = false;
+  show<SettingsView>();
+  EXPECT_THAT(mnemonics(), ElementsAre("A", "C", "G", "H", "N", "P", "R"));
+  choose(NodeType::tabView, "Provider");
+  EXPECT_THAT(mnemonics(), ElementsAre("A", "B", "G", "K", "M", "P", "T", "V"));
+  choose(NodeType::picker, "tavelle");
+  EXPECT_THAT(mnemonics(), ElementsAre("A", "E", "G", "L", "P", "T", "V"));
 }
 
 }  // namespace

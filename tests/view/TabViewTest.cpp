@@ -19,7 +19,8 @@ class Note : public Component {
 class TabViewTest : public ViewFixture {
  protected:
   void SetUp() override {
-    showNode(component<TabView>(std::vector<Tab>{{"One", "gear", component<Note>()}, {"Two", "cloud", text("two")}}));
+    showNode(component<TabView>(
+        std::vector<Tab>{{"One", "O", "gear", component<Note>()}, {"Two", "T", "cloud", text("two")}}));
   }
 
   void choose(std::string_view tab) {
@@ -29,10 +30,12 @@ class TabViewTest : public ViewFixture {
 };
 
 TEST_F(TabViewTest, opensOnTheFirstTabAndShowsOnlyThatOnesContent) {
-  EXPECT_THAT(built, ElementsAre("create 1 tabView value=\"One\"", "insert 1 in 0",                          //
-                                 "create 2 tab title=\"One\" tag=\"One\" symbol=\"gear\"", "insert 2 in 1",  //
-                                 "create 3 textField title=\"Note:\" value=\"\"", "insert 3 in 2",           //
-                                 "create 4 tab title=\"Two\" tag=\"Two\" symbol=\"cloud\"", "insert 4 in 1 after 2"));
+  EXPECT_THAT(
+      built,
+      ElementsAre("create 1 tabView value=\"One\"", "insert 1 in 0",                                         //
+                  "create 2 tab title=\"One\" tag=\"One\" mnemonic=\"O\" symbol=\"gear\"", "insert 2 in 1",  //
+                  "create 3 textField title=\"Note:\" value=\"\"", "insert 3 in 2",                          //
+                  "create 4 tab title=\"Two\" tag=\"Two\" mnemonic=\"T\" symbol=\"cloud\"", "insert 4 in 1 after 2"));
 }
 
 TEST_F(TabViewTest, showsTheTabThatWasChosen) {

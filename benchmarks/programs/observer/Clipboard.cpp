@@ -1,6 +1,6 @@
 #include "Clipboard.h"
 
-#include "Clock.h"
+#include "benchmarks/programs/shared/Clock.h"
 
 #include <poll.h>
 

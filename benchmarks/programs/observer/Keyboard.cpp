@@ -1,6 +1,6 @@
 #include "Keyboard.h"
 
-#include "Clock.h"
+#include "benchmarks/programs/shared/Clock.h"
 
 #include <xcb/xinput.h>
 #include <xcb/xtest.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Display.h"
+#include "benchmarks/programs/shared/Display.h"
 
 #include <cstdint>
 #include <deque>

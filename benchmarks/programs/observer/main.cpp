@@ -3,15 +3,16 @@
 //
 // Commands on standard input:
 //   press KEYCODE HOLD LAG    Control+Alt and the key; it is held so many microseconds, the modifiers that much longer
-//   own FILE                  takes the clipboard; a line of the file is TYPE, a tab and the name of the file of its
-//   bytes compare                   reads the clipboard back and compares it with what was owned last live KEYCODE
-//   MILLISECONDS tells when another client has taken Control+Alt and the key, or that none has so long keys counts the
-//   keys that are down, and lets go of them
+//   own FILE                  takes the clipboard; a line of the file is TYPE, a tab and the file of its bytes
+//   compare                   reads the clipboard back and compares it with what was owned last
+//   live KEYCODE MILLISECONDS tells when another client has taken Control+Alt and the key, or that none has so long
+//   keys                      counts the keys that are down, and lets go of them
 // Lines on standard output: one JSON object each; times are nanoseconds of CLOCK_MONOTONIC.
 #include "Clipboard.h"
-#include "Clock.h"
-#include "Display.h"
 #include "Keyboard.h"
+#include "benchmarks/programs/shared/Clock.h"
+#include "benchmarks/programs/shared/CommandLines.h"
+#include "benchmarks/programs/shared/Display.h"
 
 #include <poll.h>
 #include <unistd.h>
@@ -51,7 +52,8 @@ class Observer {
       handleEvents();
       std::array<pollfd, 2> inputs{{{xcb_get_file_descriptor(display_), POLLIN, 0}, {STDIN_FILENO, POLLIN, 0}}};
       poll(inputs.data(), inputs.size(), keyboard_.untilNextRelease().value_or(-1));
-      if (inputs[1].revents != 0) readCommands();
+      if (inputs[1].revents == 0) continue;
+      isOver_ = !commands_.read([this](std::istringstream& line) { obey(line); });
     }
   }
 
@@ -99,19 +101,6 @@ class Observer {
     std::printf("{\"event\":\"raw\",\"t\":%" PRId64 ",\"down\":%s,\"keycode\":%" PRIu32 ",\"physical\":%s}\n", now(),
                 key.event_type == XCB_INPUT_RAW_KEY_PRESS ? "true" : "false", key.detail,
                 key.sourceid == keyboard_.device() ? "true" : "false");
-  }
-
-  void readCommands() {
-    std::array<char, 4096> piece;
-    const auto count = read(STDIN_FILENO, piece.data(), piece.size());
-    isOver_ = count <= 0;
-    if (isOver_) return;
-    input_.append(piece.data(), static_cast<std::size_t>(count));
-    for (auto end = input_.find('\n'); end != std::string::npos; end = input_.find('\n')) {
-      std::istringstream line{input_.substr(0, end)};
-      input_.erase(0, end + 1);
-      obey(line);
-    }
   }
 
   void obey(std::istringstream& line) {
@@ -187,7 +176,7 @@ class Observer {
   Clipboard clipboard_;
   int ownerEvent_ = 0;
   int inputOpcode_ = 0;
-  std::string input_;
+  CommandLines commands_;
   bool isOver_ = false;
 };
 

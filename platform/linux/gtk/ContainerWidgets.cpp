@@ -122,6 +122,7 @@ class LabeledContentWidget : public BoxWidget {
   explicit LabeledContentWidget(GtkWidget* box = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 12))
       : BoxWidget(adw_action_row_new(), GTK_BOX(box)) {
     adw_preferences_row_set_use_markup(ADW_PREFERENCES_ROW(root()), false);
+    adw_preferences_row_set_use_underline(ADW_PREFERENCES_ROW(root()), true);
     gtk_list_box_row_set_activatable(GTK_LIST_BOX_ROW(root()), false);
     gtk_widget_set_focusable(root(), false);
     adw_action_row_add_suffix(ADW_ACTION_ROW(root()), box);
@@ -129,8 +130,8 @@ class LabeledContentWidget : public BoxWidget {
 
  protected:
   void show(Attribute attribute) override {
-    if (attribute != Attribute::title) return Widget::show(attribute);
-    adw_preferences_row_set_title(ADW_PREFERENCES_ROW(root()), text(attribute).c_str());
+    if (attribute != Attribute::title && attribute != Attribute::mnemonic) return Widget::show(attribute);
+    adw_preferences_row_set_title(ADW_PREFERENCES_ROW(root()), titleWithMnemonic().c_str());
   }
 
   // What is said of a control in its row's title is said to a screen reader as well.
@@ -138,6 +139,7 @@ class LabeledContentWidget : public BoxWidget {
     BoxWidget::place(child, after);
     gtk_accessible_update_property(GTK_ACCESSIBLE(child.root()), GTK_ACCESSIBLE_PROPERTY_DESCRIPTION,
                                    text(Attribute::title).c_str(), -1);
+    if (isSaid(Attribute::mnemonic)) leadTo(child.root());
   }
 };
 

@@ -13,14 +13,15 @@ class PickerWidget : public Widget {
  public:
   explicit PickerWidget(Report report) : Widget(adw_combo_row_new(), std::move(report)), row_(ADW_COMBO_ROW(root())) {
     adw_preferences_row_set_use_markup(ADW_PREFERENCES_ROW(root()), false);
+    adw_preferences_row_set_use_underline(ADW_PREFERENCES_ROW(root()), true);
     connect(row_, "notify::selected", [this] { chosen(); });
   }
 
  protected:
   void show(Attribute attribute) override {
     if (attribute == Attribute::value) return select();
-    if (attribute != Attribute::title) return Widget::show(attribute);
-    adw_preferences_row_set_title(ADW_PREFERENCES_ROW(root()), text(attribute).c_str());
+    if (attribute != Attribute::title && attribute != Attribute::mnemonic) return Widget::show(attribute);
+    adw_preferences_row_set_title(ADW_PREFERENCES_ROW(root()), titleWithMnemonic().c_str());
   }
 
   void place(Widget& option, Widget* after) override {

@@ -3,6 +3,7 @@
 #include "platform/linux/gtk/X11Place.h"
 #include "view/wire/EventLine.h"
 
+#include <algorithm>
 #include <string_view>
 #include <utility>
 #include <variant>
@@ -17,6 +18,33 @@ std::string onlyCloseButton() {
   const GPtr<> owner{layout};
   const std::string_view sides = layout ? layout : "";
   return sides.find("close") < sides.find(':') ? "close:" : ":close";
+}
+
+// How much larger than usual the person has texts. Where a dense screen is not scaled as a whole, that is all that
+// tells.
+double textScale() {
+  constexpr double usual = 96.0 * 1024;
+  int resolution = 0;
+  g_object_get(gtk_settings_get_default(), "gtk-xft-dpi", &resolution, nullptr);
+  return resolution > 0 ? resolution / usual : 1;
+}
+
+GdkRectangle firstMonitor() {
+  GdkRectangle area{};
+  auto* const monitors = gdk_display_get_monitors(gdk_display_get_default());
+  const GObjectPtr<GdkMonitor> monitor{GDK_MONITOR(g_list_model_get_item(monitors, 0))};
+  if (monitor) gdk_monitor_get_geometry(monitor.get(), &area);
+  return area;
+}
+
+// In proportion to its texts, as long as the window finds room on the screen with its header bar and a panel.
+void setContentSize(GtkWidget* content, double width, double height) {
+  constexpr int bars = 120;
+  const auto screen = firstMonitor();
+  const auto scale = textScale();
+  gtk_widget_set_size_request(
+      content, static_cast<int>(std::clamp<double>(width * scale, width, std::max<double>(width, screen.width))),
+      static_cast<int>(std::clamp<double>(height * scale, height, std::max<double>(height, screen.height - bars))));
 }
 
 }  // namespace
@@ -47,7 +75,7 @@ void RendererWindow::receive(const std::string& line) {
 
 void RendererWindow::perform(const Present& present) {
   gtk_window_set_title(window_, present.title.c_str());
-  gtk_widget_set_size_request(GTK_WIDGET(content_), static_cast<int>(present.width), static_cast<int>(present.height));
+  setContentSize(GTK_WIDGET(content_), present.width, present.height);
   if (gtk_widget_get_mapped(GTK_WIDGET(window_))) {
     gtk_window_present(window_);
     return send_(encodeLine(Presented{present.number}));

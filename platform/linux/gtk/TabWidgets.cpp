@@ -35,7 +35,8 @@ class TabViewWidget : public Widget {
   // At the end: tabs do not change their places.
   void place(Widget& tab, Widget*) override {
     auto* const page = adw_view_stack_add_titled(stack_, tab.root(), tab.text(Attribute::tag).c_str(),
-                                                 tab.text(Attribute::title).c_str());
+                                                 tab.titleWithMnemonic().c_str());
+    adw_view_stack_page_set_use_underline(page, true);
     adw_view_stack_page_set_icon_name(page, iconFor(tab.text(Attribute::symbol)).c_str());
     show(Attribute::value);
   }

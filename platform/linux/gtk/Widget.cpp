@@ -47,6 +47,19 @@ bool Widget::isOn(Attribute attribute, bool otherwise) const {
   return isOn ? *isOn : otherwise;
 }
 
+std::string Widget::titleWithMnemonic() const {
+  auto letter = text(Attribute::mnemonic);
+  std::string marked;
+  for (const char c : text(Attribute::title)) {
+    if (!letter.empty() && g_ascii_toupper(c) == letter.front()) {
+      marked += '_';
+      letter.clear();
+    }
+    marked.append(c == '_' ? 2 : 1, c);
+  }
+  return marked;
+}
+
 void Widget::insert(Widget& child, Widget* after) {
   whileShowing([&] { place(child, after); });
 }
@@ -86,7 +99,15 @@ void Widget::place(Widget&, Widget*) {
 void Widget::take(Widget&) {}
 
 void Widget::nameControl(const std::string& name) const {
-  gtk_accessible_update_property(GTK_ACCESSIBLE(control()), GTK_ACCESSIBLE_PROPERTY_LABEL, name.c_str(), -1);
+  auto* const accessible = GTK_ACCESSIBLE(control());
+  gtk_accessible_reset_relation(accessible, GTK_ACCESSIBLE_RELATION_LABELLED_BY);  // or it would be said twice
+  gtk_accessible_update_property(accessible, GTK_ACCESSIBLE_PROPERTY_LABEL, name.c_str(), -1);
+}
+
+void Widget::leadTo(GtkWidget* control) const {
+  const auto lead =
+      +[](GtkWidget* target, gboolean isOneOfMany) { return gtk_widget_mnemonic_activate(target, isOneOfMany); };
+  g_signal_connect_object(root(), "mnemonic-activate", G_CALLBACK(lead), control, G_CONNECT_SWAPPED);
 }
 
 void Widget::report(view::Input input) const {

@@ -30,6 +30,8 @@ class Widget {
   std::string text(view::Attribute attribute) const;
   double number(view::Attribute attribute, double otherwise) const;
   bool isOn(view::Attribute attribute, bool otherwise = false) const;
+  // The title as the toolkit's labels with mnemonics want it: the letter that leads here by Alt is marked.
+  std::string titleWithMnemonic() const;
   bool isSaid(view::Attribute attribute) const { return attributes_.find(attribute) != nullptr; }
 
   // Right behind `after`; in front where that is null.
@@ -47,6 +49,8 @@ class Widget {
   virtual GtkWidget* control() const { return root(); }
 
   void nameControl(const std::string& name) const;
+  // Has the mnemonic of a row's title lead to a control in the row.
+  void leadTo(GtkWidget* control) const;
   void report(view::Input input) const;
   // Has `handler` called at each of the signals, for as long as this lives.
   void connect(gpointer instance, const char* signal, std::function<void()> handler);

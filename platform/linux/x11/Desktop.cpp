@@ -18,7 +18,8 @@ Desktop::Desktop(std::unique_ptr<Connection> connection, MainActor& mainActor)
       carbonEvents_(*connection_, grabs_, heldKeys_),
       quartzEvents_(*connection_, keyboard_, heldKeys_, postedEditingKeys_),
       pasteboard_(*connection_, mainActor, postedEditingKeys_),
-      accessibility_(*connection_) {}
+      accessibility_(*connection_),
+      pointerPresses_(*connection_) {}
 
 void Desktop::handOver(std::function<void()> done) {
   pasteboard_.handOver([this, done = std::move(done)](bool isSafe) {

@@ -10,6 +10,7 @@
 #include "platform/linux/x11/HotKeyGrabs.h"
 #include "platform/linux/x11/Keyboard.h"
 #include "platform/linux/x11/Pasteboard.h"
+#include "platform/linux/x11/PointerPresses.h"
 #include "platform/linux/x11/QuartzEvents.h"
 
 #include <functional>
@@ -29,6 +30,7 @@ class Desktop {
   X11CarbonEvents& carbonEvents() { return carbonEvents_; }
   X11QuartzEvents& quartzEvents() { return quartzEvents_; }
   X11Accessibility& accessibility() { return accessibility_; }
+  PointerPresses& pointerPresses() { return pointerPresses_; }
 
   // The server is gone, and the person's session with it. Sent once.
   Subject<>& lost() { return connection_->lost(); }
@@ -49,6 +51,7 @@ class Desktop {
   X11QuartzEvents quartzEvents_;
   X11Pasteboard pasteboard_;
   X11Accessibility accessibility_;
+  PointerPresses pointerPresses_;
   Subscription contentsLost_;
 };
 

@@ -11,6 +11,8 @@ from gi.repository import Atspi, GLib  # noqa: E402
 # The interfaces themselves are what is asked; only their older spelling is in this version.
 warnings.filterwarnings("ignore", category=DeprecationWarning, message="Atspi.*")
 
+HIDDEN_TEXT = "password text"  # a field that does not show what it holds is found as a text as well
+
 _joined = None
 
 
@@ -79,7 +81,7 @@ class Element:
     def find(self, role, name=None):
         """The first that is so called, or none."""
         for element in self.all():
-            if element.role == role and (name is None or element.name == name):
+            if (element.role == role or (role == "text" and element.role == HIDDEN_TEXT)) and name in (None, element.name):
                 return element
         return None
 

@@ -70,6 +70,8 @@ timeout=20
 timeout=20
 """
 
+APPLICATION_SETTINGS_FILE = "glib-2.0/settings/keyfile"
+
 # No questions about an earlier session, no checks whether this is the default program.
 APPLICATION_SETTINGS = """[org/xfce/mousepad/preferences/file]
 session-restore='never'
@@ -109,7 +111,12 @@ def write_dunst(config):
 
 
 def write_application_settings(config, dark):
-    _write(config / "glib-2.0/settings/keyfile", APPLICATION_SETTINGS + (DARK if dark else ""))
+    _write(config / APPLICATION_SETTINGS_FILE, APPLICATION_SETTINGS + (DARK if dark else ""))
+
+
+def add_application_settings(config, settings):
+    with open(config / APPLICATION_SETTINGS_FILE, "a", encoding="utf-8") as file:
+        file.write(settings)
 
 
 def _write(path, content):

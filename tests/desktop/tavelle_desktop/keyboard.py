@@ -7,6 +7,7 @@ from Xlib.ext import xtest
 
 # X key codes: the evdev code of the key and 8.
 KEYS = {
+    "E": 26, "P": 33, "F": 41, "K": 45, "apostrophe": 48, "N": 57, "M": 58, "AltGr": 108,
     "Escape": 9, "BackSpace": 22, "Tab": 23, "W": 25, "R": 27, "T": 28, "Return": 36, "Control": 37, "A": 38, "S": 39, "G": 42,
     "H": 43, "Shift": 50, "X": 53, "C": 54, "V": 55, "slash": 61, "Alt": 64, "space": 65, "CapsLock": 66, "F2": 68, "NumLock": 77,
     "Home": 110, "Up": 111, "Left": 113, "Right": 114, "End": 115, "Down": 116, "Super": 133,
@@ -40,6 +41,11 @@ class Keyboard:
         """All down in order, then up in the opposite order: chord("Control", "A")."""
         with self.held(*keys):
             pass
+
+    def strike(self, *keys):
+        """One after the other: strike("C", "A", "T")."""
+        for key in keys:
+            self.chord(key)
 
     @contextmanager
     def held(self, *keys):

@@ -89,6 +89,17 @@ class Processes:
                 continue  # it has ended, or it is another person's
         return found
 
+    def find(self, program):
+        """A process of this desktop that runs the program, or none."""
+        for pid in self.marked():
+            try:
+                with open(f"/proc/{pid}/comm", encoding="ascii") as name:
+                    if name.read().rstrip("\n") == program[:15]:  # the kernel keeps fifteen letters
+                        return pid
+            except OSError:
+                continue  # it has ended
+        return None
+
 
 def process_time(pid):
     """Processor seconds that a process has used."""

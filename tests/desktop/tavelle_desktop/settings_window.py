@@ -49,14 +49,7 @@ class SettingsWindow:
 
     def renderer(self):
         """The process that draws it, or none."""
-        for pid in self._desktop.processes.marked():
-            try:
-                with open(f"/proc/{pid}/comm", encoding="ascii") as name:
-                    if name.read().startswith("tavelle-setting"):  # the kernel keeps fifteen letters
-                        return pid
-            except OSError:
-                continue  # it has ended
-        return None
+        return self._desktop.processes.find("tavelle-settings")
 
     @property
     def place(self):
@@ -84,7 +77,7 @@ class SettingsWindow:
         return self.element("text", name).text
 
     def wait_for_text(self, name, text):
-        wait_until(lambda: self.text(name) == text, lambda: f"{name!r} holds {text!r}; it holds {self.text(name)!r}")
+        self._until(lambda: self.text(name) == text, lambda: f"{name!r} holds {text!r}; it holds {self.text(name)!r}")
 
     def wait_for_label(self, accept, what):
         return self._until(lambda: next((one.name for one in self._frame().all() if one.role == "label" and accept(one.name)), None),
@@ -126,7 +119,9 @@ class SettingsWindow:
 
     def content_place(self):
         """What is below the header bar."""
-        return next(one.place for one in self._frame().all() if one.role == "filler" and one.place.y == HEADER)
+        frame = self._frame_place()
+        return next(one.place for one in self._frame().all()
+                    if one.role == "filler" and one.place.width == frame.width and one.place.y > 0)  # fmt: skip
 
     def choose_tab(self, name):
         self.element("page tab", name).press()

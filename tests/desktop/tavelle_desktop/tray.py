@@ -38,13 +38,17 @@ class Tray:
 
     def choose(self, entry):
         """Clicks an entry of the menu: FIRST, MIDDLE or LAST."""
+        self._desktop.pointer.click(*self.point_at(entry))
+
+    def point_at(self, entry):
+        """Opens the menu, moves the pointer onto an entry and returns where that is."""
         place = self.open_menu()
         half_entry = place.height / 8  # three entries, two separators, the frame
         y = place.y + half_entry + entry * (place.height - 2 * half_entry)
         x = place.x + place.width / 2
         for step in (3, 0):  # an entry lights up when the pointer comes to it
             self._desktop.pointer.move(x - step, y)
-        self._desktop.pointer.click(x, y)
+        return int(x), int(y)
 
     def menu_labels(self):
         """The menu as the panel is told of it; None stands for a separator."""

@@ -26,8 +26,10 @@ TEST(WindowLine, carriesTheContentAsItIs) {
   EXPECT_EQ(std::get<view::Event>(decodeReport(view::encodeEvent(event))), event);
 }
 
-TEST(WindowLine, reportsThatItIsDrawnAndThatItIsClosed) {
+TEST(WindowLine, reportsThatItIsDrawnThatItIsThereAndThatItIsClosed) {
   EXPECT_EQ(std::get<Presented>(decodeReport(encodeLine(Presented{9}))), Presented{9});
+  EXPECT_EQ(std::get<Ping>(decodeOrder(encodeLine(Ping{3}))), Ping{3});
+  EXPECT_EQ(std::get<Pong>(decodeReport(encodeLine(Pong{3}))), Pong{3});
   EXPECT_EQ(std::get<Closed>(decodeReport(encodeLine(Closed{WindowPlace{1, 2}}))), (Closed{WindowPlace{1, 2}}));
   EXPECT_EQ(std::get<Closed>(decodeReport(encodeLine(Closed{}))), Closed{});
 }
@@ -38,12 +40,14 @@ TEST(WindowLine, isOneLine) {
 }
 
 TEST(WindowLine, isRefusedWhenItIsAnythingElse) {
-  for (const auto* line : {"", "[", "[]", "[1,2]", R"(["present"])", R"(["present",{}])",
-                           R"(["closed",{"place":null}])", R"(["presented",{"number":1}])"}) {
+  for (const auto* line :
+       {"", "[", "[]", "[1,2]", R"(["present"])", R"(["present",{}])", R"(["closed",{"place":null}])",
+        R"(["presented",{"number":1}])", R"(["pong",{"number":1}])", R"(["ping",{"number":-1}])"}) {
     EXPECT_THROW(decodeOrder(line), view::WireError) << line;
   }
-  for (const auto* line : {"", "[", R"(["presented",{"number":-1}])", R"(["presented",{"number":"1"}])",
-                           R"(["closed",{"place":{"x":1}}])", R"(["closed",[]])", R"(["moved",{}])"}) {
+  for (const auto* line :
+       {"", "[", R"(["presented",{"number":-1}])", R"(["presented",{"number":"1"}])", R"(["closed",{"place":{"x":1}}])",
+        R"(["closed",[]])", R"(["moved",{}])", R"(["ping",{"number":1}])", R"(["pong",{}])"}) {
     EXPECT_THROW(decodeReport(line), view::WireError) << line;
   }
 }

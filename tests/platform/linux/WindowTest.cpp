@@ -1,5 +1,7 @@
 #include "platform/linux/Window.h"
 
+#include "observation/Subject.h"
+#include "platform/fake/MainActor.h"
 #include "platform/linux/MainActor.h"
 #include "tests/platform/linux/MainLoop.h"
 #include "tests/platform/linux/TemporaryFolder.h"
@@ -8,6 +10,7 @@
 #include <gmock/gmock.h>
 #include <signal.h>
 
+#include <algorithm>
 #include <chrono>
 #include <functional>
 #include <memory>
@@ -56,8 +59,13 @@ class WindowTest : public testing::Test {
   }
 
   void make(std::chrono::milliseconds patience = 30s, std::chrono::milliseconds rest = 1h) {
+    makeOn(actor, LinuxWindow::Drawing{program(), patience, rest});
+  }
+
+  void makeOn(MainActor& mainActor, LinuxWindow::Drawing drawing) {
     window = std::make_unique<LinuxWindow>(
-        actor, Rect{0, 0, 480, 500}, LinuxWindow::Drawing{program(), patience, rest},
+        mainActor, Rect{0, 0, 480, 500}, std::move(drawing),
+        [this](std::function<void()> onPress) { return presses.subscribe(std::move(onPress)); },
         [this](const std::string& trouble, const std::string& cause) { told.push_back(trouble + " " + cause); });
     window->setTitle("Settings");
     window->setContentView(content);
@@ -95,6 +103,7 @@ class WindowTest : public testing::Test {
   TemporaryFolder folder;
   GLibMainActor actor;
   std::shared_ptr<OneText> content = std::make_shared<OneText>();
+  Subject<> presses;
   std::vector<std::string> told;
   std::unique_ptr<LinuxWindow> window;
 };
@@ -214,6 +223,84 @@ TEST_F(WindowTest, staysOpenWhenItWasClosedJustBeforeItWasOpenedAgain) {
   actor.postAfter(100ms, [&] { isLater = true; });
   ASSERT_TRUE(waitUntil([&] { return isLater; }));
   EXPECT_TRUE(content->isDrawn);
+}
+
+// The window on a clock that stands still, open and drawn.
+class OpenWindowTest : public WindowTest {
+ protected:
+  void openDrawnBy(const std::string& manners) {
+    drawnBy(std::string{answers} + manners);
+    makeOn(standing, {program(), 10s, 5min, [this] { return std::chrono::steady_clock::time_point{standing.now()}; }});
+    window->makeKeyAndOrderFront();
+    ASSERT_TRUE(waitUntil([&] { return !content->events.empty(); }));
+  }
+
+  std::size_t pings() const {
+    const auto heard = linesOf("heard");
+    return static_cast<std::size_t>(
+        std::count_if(heard.begin(), heard.end(), [](const auto& line) { return line.starts_with("[\"ping\""); }));
+  }
+
+  EventLog log;
+  FakeMainActor standing{log};
+};
+
+// Said after each answer, so that a test knows of it.
+constexpr const char* pressesAfterIt =
+    "case $line in *present*) echo '{\"number\":1,\"target\":1,\"pressed\":true}';; esac\n";
+constexpr const char* answersPings =
+    "case $line in *ping*) printf '[\"pong\",{\"number\":%s}]\\n{\"number\":2,\"target\":1,\"pressed\":true}\\n' "
+    "$(number);; esac\n";
+
+TEST_F(OpenWindowTest, isGivenUpWhenItHasNotAnsweredInTimeAfterAPress) {
+  openDrawnBy(pressesAfterIt);
+  standing.advance(1h);
+  EXPECT_THAT(told, IsEmpty()) << "nobody has asked";
+  presses.send();
+  ASSERT_TRUE(waitLooking([&] { return pings() == 1; }));
+  standing.advance(9'999ms);
+  EXPECT_THAT(told, IsEmpty());
+  presses.send();  // which puts nothing off
+  standing.advance(1ms);
+  EXPECT_THAT(told, ElementsAre(HasSubstr("The settings window did not answer. Open it again.")));
+  EXPECT_FALSE(content->isDrawn);
+  EXPECT_TRUE(waitForEnd(0));
+}
+
+TEST_F(OpenWindowTest, isNotGivenUpWhenItAnswers) {
+  openDrawnBy(std::string{pressesAfterIt} + answersPings);
+  for (std::size_t press = 1; press <= 3; ++press) {
+    presses.send();
+    presses.send();
+    ASSERT_TRUE(waitUntil([&] { return content->events.size() == 1 + press; }));
+    EXPECT_EQ(pings(), press) << "one question at a time";
+    standing.advance(10s);
+  }
+  EXPECT_THAT(told, IsEmpty());
+  EXPECT_TRUE(content->isDrawn);
+  standing.runToEnd();
+  EXPECT_TRUE(standing.isIdle()) << "nothing wakes the program while nobody presses";
+}
+
+TEST_F(OpenWindowTest, isAskedNothingOnceItIsClosed) {
+  openDrawnBy("case $line in *present*) echo '[\"closed\",{\"place\":null}]';; esac\n" + std::string{pressesAfterIt});
+  presses.send();
+  standing.advance(10s);
+  EXPECT_THAT(told, IsEmpty());
+  EXPECT_EQ(pings(), 0);
+}
+
+TEST_F(OpenWindowTest, isGivenUpHoweverOftenItIsOpenedAgain) {
+  openDrawnBy(pressesAfterIt);
+  const auto frozen = std::stoi(linesOf("started").at(0));
+  kill(frozen, SIGSTOP);
+  for (int i = 0; i < 5; ++i) {
+    window->makeKeyAndOrderFront();
+    standing.advance(1'999ms);
+    EXPECT_THAT(told, IsEmpty());
+  }
+  standing.advance(5ms);
+  EXPECT_THAT(told, ElementsAre(HasSubstr("The settings window did not answer.")));
 }
 
 TEST_F(WindowTest, stopsDrawingWhenItIsGone) {

@@ -49,6 +49,13 @@ class HotKeys : public testing::Test {
     settle(*backend.connection);
   }
 
+  // How many requests have been sent to the server, this question being the last.
+  unsigned int requests() const {
+    const auto cookie = xcb_get_input_focus(*backend.connection);
+    xcb_discard_reply(*backend.connection, cookie.sequence);
+    return cookie.sequence;
+  }
+
   static std::optional<XServer> server;
 
   KeyWindow other;  // another program
@@ -105,6 +112,28 @@ TEST_F(HotKeys, areFreeForOthersOnceUnregistered) {
   EXPECT_TRUE(other.grabKey(keyX, superShiftMask));
   EXPECT_TRUE(other.grabKey(keyX, superShiftMask | XCB_MOD_MASK_LOCK | XCB_MOD_MASK_2));
   EXPECT_EQ(backend.carbonEvents.unregisterEventHotKey(backend.hotKeys.front()), paramErr);
+}
+
+TEST_F(HotKeys, stayGrabbedWhenTheyAreRegisteredAnewOnTheSameTurn) {
+  ASSERT_EQ(backend.registerHotKey(kVK_ANSI_X, superShift, 1), noErr);
+  ASSERT_EQ(backend.registerHotKey(kVK_ANSI_Y, superShift, 2), noErr);
+  settle(*backend.connection);
+  const auto before = requests();
+  for (const auto hotKey : backend.hotKeys) backend.carbonEvents.unregisterEventHotKey(hotKey);
+  EXPECT_EQ(backend.registerHotKey(kVK_ANSI_X, superShift, 3), noErr);
+  EXPECT_EQ(requests(), before + 1) << "the server was asked for something in between";
+  EXPECT_FALSE(other.grabKey(keyX, superShiftMask));
+  EXPECT_EQ(pressesOf({keySuper, keyShift, keyX}, 1), 1u);
+  EXPECT_EQ(backend.presses.back().id, 3u);
+  EXPECT_TRUE(other.grabKey(keyY, superShiftMask)) << "the one that was not is free";
+}
+
+TEST_F(HotKeys, areNotMissedByAStrokeRightAfterTheyWereUnregistered) {
+  ASSERT_EQ(backend.registerHotKey(kVK_ANSI_C, controlKey, 1), noErr);
+  settle(*backend.connection);
+  backend.carbonEvents.unregisterEventHotKey(backend.hotKeys.front());
+  backend.post(EditingKey::copy);
+  EXPECT_TRUE(waitUntil([&] { return other.strokeCount("Control+c") == 1; })) << "a grab took it from the window";
 }
 
 TEST_F(HotKeys, mayBeUnregisteredByTheirOwnHandler) {

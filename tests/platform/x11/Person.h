@@ -22,7 +22,7 @@ inline constexpr xcb_keycode_t keySuper = 133;
 inline constexpr xcb_keycode_t keyCapsLock = 66;
 inline constexpr xcb_keycode_t keyNumLock = 77;
 
-// Someone at a keyboard: presses and releases keys of a display, each call done when the server has carried it out.
+// Someone at a display: presses and releases its keys, each call done when the server has carried it out.
 class Person {
  public:
   explicit Person(const std::string& display);
@@ -33,13 +33,19 @@ class Person {
     press(key);
     release(key);
   }
+  // Where the pointer is.
+  void click() {
+    constexpr std::uint8_t firstButton = 1;
+    fake(XCB_BUTTON_PRESS, firstButton);
+    fake(XCB_BUTTON_RELEASE, firstButton);
+  }
 
  private:
   struct Disconnect {
     void operator()(xcb_connection_t* xcb) const { xcb_disconnect(xcb); }
   };
 
-  void fake(std::uint8_t type, xcb_keycode_t key);
+  void fake(std::uint8_t type, std::uint8_t detail);
 
   std::unique_ptr<xcb_connection_t, Disconnect> xcb_;
 };

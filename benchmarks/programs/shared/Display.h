@@ -10,7 +10,7 @@ namespace tavelle::bench {
 
 using x11::XcbReply;
 
-// The connection to the X server and the one window of the observer. Ends the process where there is no display.
+// The connection to the X server and the one window of its own. Ends the process where there is no display.
 class Display {
  public:
   Display();

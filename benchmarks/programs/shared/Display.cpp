@@ -7,7 +7,7 @@ namespace tavelle::bench {
 
 Display::Display() : xcb_(xcb_connect(nullptr, nullptr)) {
   if (xcb_connection_has_error(xcb_)) {
-    std::fputs("observer: no display\n", stderr);
+    std::fputs("bench: no display\n", stderr);
     std::exit(EXIT_FAILURE);
   }
   root_ = xcb_setup_roots_iterator(xcb_get_setup(xcb_)).data->root;
