@@ -4,6 +4,7 @@ import os
 import signal
 
 from tavelle_desktop import configuration
+from tavelle_desktop.product import Profile
 from tavelle_desktop.session import Options
 from tavelle_desktop.waiting import wait_until
 from test_settings_window import SettingsWindowTest
@@ -87,6 +88,22 @@ class LargeTexts(SettingsWindowTest):
         self.settings.open()
         content = self.settings.content_place()
         self.assertEqual((content.width, content.height), (960, 1000))
+
+
+class LongLine(SettingsWindowTest):
+    TEXT = "words without any end, " * 20_000
+
+    def start_tavelle(self):
+        return super().start_tavelle([Profile(prompt=self.TEXT)])
+
+    def test_in_the_prompt_is_shown_and_can_be_gone_on_with(self):
+        self.settings.open()
+        editor = self.settings.element("text", "Prompt")
+        wait_until(lambda: editor.place.height > 150, lambda: f"an editor of many lines; it is {editor.place.height} high")
+        self.settings.click("text", "Prompt")
+        self.desktop.keyboard.chord("Control", "End")
+        self.desktop.keyboard.type("end")
+        wait_until(lambda: self.settings.text("Prompt") == self.TEXT + "end", "the text with its new end", within=30)
 
 
 class Frozen(SettingsWindowTest):
