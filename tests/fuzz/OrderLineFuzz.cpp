@@ -11,7 +11,7 @@
 namespace tavelle::fuzz {
 namespace {
 
-using Order = std::variant<view::Batch, Present>;
+using Order = decltype(decodeOrder(std::string_view{}));
 
 std::optional<Order> decoded(std::string_view line) {
   try {
@@ -24,8 +24,9 @@ std::optional<Order> decoded(std::string_view line) {
 std::string encoded(const view::Batch& batch) {
   return view::encodeBatch(batch);
 }
-std::string encoded(const Present& present) {
-  return encodeLine(present);
+template <typename OfTheWindow>
+std::string encoded(const OfTheWindow& order) {
+  return encodeLine(order);
 }
 
 void run(std::string_view line) {

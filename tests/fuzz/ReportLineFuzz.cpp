@@ -11,7 +11,7 @@
 namespace tavelle::fuzz {
 namespace {
 
-using Report = std::variant<view::Event, Presented, Closed>;
+using Report = decltype(decodeReport(std::string_view{}));
 
 std::optional<Report> decoded(std::string_view line) {
   try {

@@ -12,6 +12,7 @@
 #include <optional>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tavelle::tests {
@@ -82,7 +83,7 @@ class WindowOfAnotherProcess {
   }
 
  private:
-  using Order = std::variant<view::Batch, Present>;
+  using Order = decltype(decodeOrder(std::string_view{}));
 
   std::filesystem::path file(const char* name) const { return folder_.path() / name; }
 
@@ -106,6 +107,7 @@ class WindowOfAnotherProcess {
   GLibMainActor actor_;
   std::unique_ptr<LinuxWindow> window_ = std::make_unique<LinuxWindow>(
       actor_, Rect{0, 0, 480, 500}, LinuxWindow::Drawing{file("renderer")},
+      [](const std::function<void()>&) { return Subscription{}; },
       [](const std::string& trouble, const std::string& cause) { ADD_FAILURE() << trouble << " " << cause; });
 };
 
