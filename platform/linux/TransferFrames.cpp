@@ -22,6 +22,9 @@ struct Frame {
 
 using Sizes = std::array<std::uint64_t, 2>;
 
+// Of a part: far beyond any text or answer.
+constexpr std::uint64_t largest = 1ULL << 32;
+
 enum class Kind : std::uint64_t { start, cancel, response, responseWithStatus, error };
 
 bool sendAll(int socket, std::string_view bytes) {
@@ -69,6 +72,7 @@ std::optional<std::string> receivePart(int socket, std::uint64_t size) {
 std::optional<Frame> receiveFrame(int socket) {
   Sizes sizes{};
   if (!receiveAll(socket, reinterpret_cast<char*>(sizes.data()), sizeof sizes)) return std::nullopt;
+  if (sizes[0] > largest || sizes[1] > largest) return std::nullopt;
   try {
     auto head = receivePart(socket, sizes[0]);
     auto body = head ? receivePart(socket, sizes[1]) : std::nullopt;
