@@ -27,7 +27,7 @@ FINDINGS = ROOT / "out" / "fuzzers"
 RUNS = {
     "Answer": 12_000,
     "Characters": 40_000,
-    "CommandLine": 30_000,
+    "CommandLine": 8_000,
     "JSON": 50_000,
     "LineBuffer": 80_000,
     "NotificationText": 100_000,
