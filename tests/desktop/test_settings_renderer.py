@@ -15,11 +15,12 @@ NO_ANSWER = "The settings window did not answer. Open it again."
 
 class Missing(SettingsWindowTest):
     def start_tavelle(self):
-        """From a folder of its own, in which there is nothing else."""
+        """From a folder of its own, in which there is everything but the window's program."""
         self.configure_tavelle()
         self.folder = self.desktop.home / "program" / "bin"
         self.folder.mkdir(parents=True)
         self.tavelle.program = shutil.copy2(program(), self.folder)
+        (self.folder / "tavelle-transfers").symlink_to(program().with_name("tavelle-transfers"))
         return self.tavelle.start().wait_ready()
 
     def test_it_is_told_and_opens_once_it_is_there(self):
