@@ -111,7 +111,7 @@ class LockedKeyring(ProviderTabTest):
         self.wait_for_line("Tavelle: the keyring is locked: API keys cannot be read or saved until it is unlocked\n")
         self.assert_hotkeys_are_alive()
         self.desktop.unlock_keyring()
-        self.assertEqual(self.stored_key(), "made-up key")
+        self.wait_for_key("made-up key")  # the keyring is on the bus before it has been unlocked
         self.desktop.screen.activate(self.settings.window)
         self.settings.select_all("API Key:")
         self.desktop.keyboard.chord("End")
