@@ -1,25 +1,15 @@
 // The address that a token tells of its owner.
 
 #include "tests/account/AccountFixture.h"
+#include "tests/support/Base64Text.h"
 
-#include <cstdint>
 #include <string_view>
 
 namespace tavelle::tests {
 namespace {
 
-// RFC 4648, section 5, without padding.
 std::string base64URL(std::string_view bytes) {
-  constexpr std::string_view alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
-  std::string text;
-  std::uint32_t bits = 0;
-  int count = 0;
-  for (const char byte : bytes) {
-    bits = bits << 8 | static_cast<unsigned char>(byte);
-    for (count += 8; count >= 6; count -= 6) text += alphabet[bits >> (count - 6) & 63];
-  }
-  if (count > 0) text += alphabet[bits << (6 - count) & 63];
-  return text;
+  return unpaddedBase64(bytes, base64URLAlphabet);
 }
 
 class TokenEmail : public AccountFixture {

@@ -4,30 +4,19 @@
 #include "account/TavelleAccountManager.h"
 #include "platform/fake/FakePlatform.h"
 #include "tests/fuzz/Fuzz.h"
+#include "tests/support/Base64Text.h"
 
 #include <nlohmann/json.hpp>
 
 namespace tavelle::fuzz {
 namespace {
 
-constexpr std::string_view standardAlphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-constexpr std::string_view alphabetOfURLs = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
-
-// RFC 4648, without padding.
-std::string unpadded(std::string_view bytes, std::string_view alphabet) {
-  std::string text;
-  std::uint32_t bits = 0;
-  int count = 0;
-  for (const char byte : bytes) {
-    bits = bits << 8 | static_cast<unsigned char>(byte);
-    for (count += 8; count >= 6; count -= 6) text += alphabet[bits >> (count - 6) & 63];
-  }
-  if (count > 0) text += alphabet[bits << (6 - count) & 63];
-  return text;
-}
+using tests::base64Alphabet;
+using tests::base64URLAlphabet;
+using tests::unpaddedBase64;
 
 std::string base64(std::string_view bytes) {
-  auto text = unpadded(bytes, standardAlphabet);
+  auto text = unpaddedBase64(bytes, base64Alphabet);
   text.append((4 - text.size() % 4) % 4, '=');
   return text;
 }
@@ -58,7 +47,7 @@ void readToken(std::string_view token) {
 
 void readEmail(const std::string& email) {
   const auto payload = nlohmann::json{{"email", email}}.dump();
-  require(emailOf("header." + unpadded(payload, alphabetOfURLs) + ".signature") == email,
+  require(emailOf("header." + unpaddedBase64(payload, base64URLAlphabet) + ".signature") == email,
           "not the address of the token");
 }
 
