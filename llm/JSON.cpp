@@ -1,6 +1,7 @@
 #include "llm/JSON.h"
 
 #include "platform/JSONText.h"
+#include "platform/StrictJSON.h"
 #include "platform/UTF8.h"
 
 #include <simdjson.h>
@@ -109,16 +110,10 @@ JSON valueOf(dom::element element) {
   return nullptr;
 }
 
-// A whole number beyond 64 bits is JSON too, but not for the fast reader. This one takes a NUL for the end.
+// A whole number beyond 64 bits is JSON too, but not for the fast reader.
 JSON decodeUnusualNumbers(std::string_view text) {
-  if (text.find('\0') != text.npos) throw notInFormat();
-  bool isTooDeep = false;
-  const auto guard = [&isTooDeep](int depth, JSON::parse_event_t, const JSON&) {
-    isTooDeep = isTooDeep || depth > deepestNesting;
-    return !isTooDeep;
-  };
-  auto value = JSON::parse(text, guard, /*allow_exceptions=*/false);
-  if (isTooDeep || !value.is_structured()) throw notInFormat();
+  auto value = parseStrictJSON<JSON>(text, deepestNesting);
+  if (!value.is_structured()) throw notInFormat();
   return value;
 }
 

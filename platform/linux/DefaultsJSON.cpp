@@ -1,6 +1,7 @@
 #include "platform/linux/DefaultsJSON.h"
 
 #include "platform/JSONText.h"
+#include "platform/StrictJSON.h"
 #include "platform/UTF8.h"
 #include "platform/linux/GObjectPtr.h"
 
@@ -20,20 +21,6 @@ constexpr const char* base64Key = "$base64";
 // Deeper nesting than any settings have; writing the values out is recursive.
 constexpr int deepestNesting = 64;
 
-// Text that is no JSON, or too deep, is a discarded value.
-JSON parse(const std::string& text, int deepest) {
-  if (text.find('\0') != text.npos) return JSON::value_t::discarded;  // the library takes it for the end
-  bool isTooDeep = false;
-  auto json = JSON::parse(
-      text,
-      [&isTooDeep, deepest](int depth, JSON::parse_event_t, JSON&) {
-        isTooDeep = isTooDeep || depth > deepest;
-        return true;
-      },
-      false);
-  return isTooDeep ? JSON(JSON::value_t::discarded) : json;
-}
-
 const std::string* onlyMember(const JSON& json, const char* key) {
   if (!json.is_object() || json.size() != 1) return nullptr;
   const auto member = json.find(key);
@@ -45,7 +32,7 @@ const std::string* onlyMember(const JSON& json, const char* key) {
 std::optional<JSON> asStructure(const Data& bytes) {
   constexpr std::size_t largest = 256UL * 1024;
   if (bytes.size() > largest || !(bytes.starts_with('[') || bytes.starts_with('{'))) return std::nullopt;
-  auto json = parse(bytes, deepestNesting - 1);  // it stands in the file's own object
+  auto json = parseStrictJSON<JSON>(bytes, deepestNesting - 1);  // it stands in the file's own object
   if (json.is_discarded() || onlyMember(json, textKey) || onlyMember(json, base64Key)) return std::nullopt;
   if (json.dump() != bytes) return std::nullopt;
   return json;
@@ -131,7 +118,7 @@ std::optional<DefaultsValue> defaultsFromJSON(const JSON& json) {
 }
 
 std::optional<JSON> parseSettings(const std::string& text) {
-  auto json = parse(text, deepestNesting);
+  auto json = parseStrictJSON<JSON>(text, deepestNesting);
   if (!json.is_object()) return std::nullopt;
   return json;
 }

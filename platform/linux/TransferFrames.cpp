@@ -84,7 +84,7 @@ std::optional<Frame> receiveFrame(int socket) {
 
 class HeadWriter {
  public:
-  explicit HeadWriter(Kind kind, std::uint64_t id) { number(static_cast<std::uint64_t>(kind)).number(id); }
+  HeadWriter(Kind kind, std::uint64_t id) { number(static_cast<std::uint64_t>(kind)).number(id); }
 
   HeadWriter& number(std::uint64_t value) {
     std::array<char, sizeof value> bytes{};
