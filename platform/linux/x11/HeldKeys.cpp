@@ -15,6 +15,10 @@ constexpr gint64 never = -1;
 constexpr xcb_timestamp_t shortestDelay = 150;
 constexpr xcb_timestamp_t longestGap = 40;
 
+// Time stamps are whole milliseconds, of a clock that may itself be one behind. Whoever waits this long after a release
+// was heard of finds the next press more than the longest gap after it.
+constexpr gint64 gapIsOver = 1000 * gint64{longestGap + 2};
+
 gint64 microseconds(std::chrono::milliseconds duration) {
   return std::chrono::microseconds{duration}.count();
 }
@@ -243,8 +247,7 @@ void HeldKeys::check() {
   }
   if (isHeld) return g_source_set_ready_time(checkSource_.get(), never);
   checkedAt_ = eventCount_;
-  const gint64 nextRepeat = hotKey_.heard + gint64{longestGap} * 1000;
-  g_source_set_ready_time(checkSource_.get(), mayRepeat() ? nextRepeat : immediately);
+  g_source_set_ready_time(checkSource_.get(), mayRepeat() ? hotKey_.heard + gapIsOver : immediately);
 }
 
 gint64 HeldKeys::limit() const {
