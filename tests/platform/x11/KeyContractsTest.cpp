@@ -90,7 +90,7 @@ class KeysOfTheServer {
 class TrustOfTheServer {
  public:
   explicit TrustOfTheServer(bool isTrusted)
-      : server_(isTrusted ? std::vector<std::string>{} : std::vector<std::string>{"-extension", "XTEST"}) {}
+      : server_("Xvfb", isTrusted ? std::vector<std::string>{} : std::vector<std::string>{"-extension", "XTEST"}) {}
   Accessibility& accessibility() { return accessibility_; }
 
  private:

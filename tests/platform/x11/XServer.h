@@ -7,12 +7,12 @@
 
 namespace tavelle::x11::tests {
 
-// An X server of the test's own, with no screen to be seen: started on a free display, which becomes $DISPLAY of this
-// process, and ended with the object. It ends with the process too, should that crash.
+// An X server of the test's own, usually with no screen to be seen: started on a free display, which becomes $DISPLAY
+// of this process, and ended with the object. It ends with the process too, should that crash.
 class XServer {
  public:
-  // Ends the test program where no server starts. `arguments` are more of its command line.
-  explicit XServer(const std::vector<std::string>& arguments = {});
+  // Ends the test program where no server starts.
+  explicit XServer(const std::string& program = "Xvfb", const std::vector<std::string>& arguments = {});
   ~XServer();
   XServer(const XServer&) = delete;
   XServer& operator=(const XServer&) = delete;

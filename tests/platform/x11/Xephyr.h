@@ -2,11 +2,10 @@
 
 #include "tests/platform/x11/XServer.h"
 
-#include <sys/types.h>
-
 #include <xcb/xcb.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace tavelle::x11::tests {
@@ -22,13 +21,10 @@ class Xephyr {
 
   // The new server's display becomes $DISPLAY of this process.
   explicit Xephyr(Repeats repeats = Repeats::inside);
-  ~Xephyr();
-  Xephyr(const Xephyr&) = delete;
-  Xephyr& operator=(const Xephyr&) = delete;
 
   // Where a Person presses keys that this server takes for physical ones.
   const std::string& hostDisplay() const { return host_.display(); }
-  const std::string& display() const { return display_; }
+  const std::string& display() const { return nested_->display(); }
 
  private:
   void stopRepeatsOfHost();
@@ -39,8 +35,7 @@ class Xephyr {
 
   XServer host_;
   std::unique_ptr<xcb_connection_t, Disconnect> hostConnection_;
-  pid_t process_ = -1;
-  std::string display_;
+  std::optional<XServer> nested_;
 };
 
 }  // namespace tavelle::x11::tests
