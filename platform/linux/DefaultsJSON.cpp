@@ -44,11 +44,16 @@ Data decodeBase64(const std::string& text) {
   return {reinterpret_cast<const char*>(bytes.get()), size};
 }
 
-JSON jsonFromData(const Data& bytes) {
+JSON jsonFromData(Data bytes) {
   if (auto structure = asStructure(bytes)) return std::move(*structure);
-  if (isUTF8(bytes)) return {{textKey, bytes}};
-  const GPtr<> base64{g_base64_encode(reinterpret_cast<const guchar*>(bytes.data()), bytes.size())};
-  return {{base64Key, base64.get()}};
+  JSON json = JSON::object();
+  if (isUTF8(bytes)) {
+    json.emplace(textKey, std::move(bytes));
+  } else {
+    const GPtr<> base64{g_base64_encode(reinterpret_cast<const guchar*>(bytes.data()), bytes.size())};
+    json.emplace(base64Key, base64.get());
+  }
+  return json;
 }
 
 // Text in the settings file is always UTF-8.
@@ -84,8 +89,8 @@ void append(std::string& out, const JSON& json, std::size_t depth) {
 
 }  // namespace
 
-JSON jsonFromDefaults(const DefaultsValue& value) {
-  if (const auto* data = std::get_if<DataValue>(&value)) return jsonFromData(data->bytes);
+JSON jsonFromDefaults(DefaultsValue value) {
+  if (auto* data = std::get_if<DataValue>(&value)) return jsonFromData(std::move(data->bytes));
   if (const auto* text = std::get_if<std::string>(&value)) return validUTF8(*text);
   if (const auto* truth = std::get_if<bool>(&value)) return *truth;
   if (const auto* whole = std::get_if<std::int64_t>(&value)) return *whole;
@@ -115,6 +120,12 @@ std::optional<DefaultsValue> defaultsFromJSON(const JSON& json) {
     default:
       return std::nullopt;
   }
+}
+
+bool standsFor(const JSON& json, const DefaultsValue& value) {
+  const auto* const data = std::get_if<DataValue>(&value);
+  if (const auto* const text = data ? onlyMember(json, textKey) : nullptr) return *text == data->bytes;
+  return defaultsFromJSON(json) == value;
 }
 
 std::optional<JSON> parseSettings(const std::string& text) {

@@ -67,8 +67,9 @@ std::optional<DefaultsValue> JSONUserDefaults::objectForKey(const std::string& k
 }
 
 void JSONUserDefaults::setObject(DefaultsValue value, const std::string& key) {
-  if (isStored_ && objectForKey(key) == value) return;
-  values_[key] = jsonFromDefaults(value);
+  const auto found = values_.find(key);
+  if (isStored_ && found != values_.end() && standsFor(*found, value)) return;
+  values_[key] = jsonFromDefaults(std::move(value));
   store();
 }
 
