@@ -12,6 +12,8 @@ namespace tavelle {
 struct KeychainItemQuery {
   std::string service;
   std::string account;
+
+  bool operator==(const KeychainItemQuery&) const = default;
 };
 
 enum class KeychainAccessible { whenUnlocked };  // kSecAttrAccessibleWhenUnlocked

@@ -13,6 +13,9 @@ namespace {
 // A service that let a call wait for its whole time is likely to do it again, and the caller stands still meanwhile.
 constexpr int patienceAfterSilence = 4;
 
+// What is read ahead is read in a pause, and is of no use after it.
+constexpr std::chrono::milliseconds limitAhead{100};
+
 }  // namespace
 
 struct SecretServiceKeychain::Connection {
@@ -22,8 +25,8 @@ struct SecretServiceKeychain::Connection {
   std::optional<SecretPrompt> prompt;  // the last one
 };
 
-SecretServiceKeychain::SecretServiceKeychain(std::chrono::milliseconds limit)
-    : limit_(limit), context_(g_main_context_new()) {}
+SecretServiceKeychain::SecretServiceKeychain(std::chrono::milliseconds limit, std::chrono::milliseconds useAhead)
+    : limit_(limit), useAhead_(useAhead), context_(g_main_context_new()) {}
 
 // What still waits in the context holds the bus connection.
 SecretServiceKeychain::~SecretServiceKeychain() {
@@ -36,6 +39,7 @@ SecretServiceKeychain::~SecretServiceKeychain() {
 template <typename Operation>
 OSStatus SecretServiceKeychain::perform(const Operation& operation) {
   const std::lock_guard lock{mutex_};
+  valueAhead_.reset();
   BoundedCalls calls{context_.get(), wasSilent_ ? limit_ / patienceAfterSilence : limit_};
   while (true) {
     const bool isFresh = !connection_;
@@ -69,13 +73,37 @@ OSStatus SecretServiceKeychain::secItemAdd(const KeychainItemQuery& item, const 
 }
 
 OSStatus SecretServiceKeychain::secItemCopyMatching(const KeychainItemQuery& query, std::optional<Data>& value) {
-  value.reset();
+  value = takeValueAhead(query);
+  if (value) return told(errSecSuccess);
   return told(perform([&](SecretServiceClient& client) {
     const auto found = client.search(query);
     if (found.unlocked.empty()) return found.locked.empty() ? errSecItemNotFound : askToUnlock(client, found.locked);
     value = client.secret(found.unlocked.front());
+    readLast_ = query;
     return errSecSuccess;
   }));
+}
+
+void SecretServiceKeychain::readAhead() {
+  const std::lock_guard lock{mutex_};
+  valueAhead_.reset();
+  if (!connection_ || !readLast_ || wasSilent_) return;
+  BoundedCalls calls{context_.get(), limitAhead};
+  SecretServiceClient client{calls, connection_->service.get()};
+  try {
+    const auto found = client.search(*readLast_);
+    if (found.unlocked.empty()) return;
+    valueAhead_ = {*readLast_, client.secret(found.unlocked.front()), Clock::now()};
+  } catch (const SecretServiceError&) {
+    // Whoever asks for it finds out why.
+  }
+}
+
+std::optional<Data> SecretServiceKeychain::takeValueAhead(const KeychainItemQuery& query) {
+  const std::lock_guard lock{mutex_};
+  auto ahead = std::exchange(valueAhead_, std::nullopt);
+  const bool isWanted = ahead && ahead->query == query && Clock::now() < ahead->read + useAhead_;
+  return isWanted ? std::optional{std::move(ahead->value)} : std::nullopt;
 }
 
 OSStatus SecretServiceKeychain::secItemDelete(const KeychainItemQuery& query) {

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -26,7 +27,9 @@ class SecretServiceClient;
 class SecretServiceKeychain : public Keychain {
  public:
   // `limit`: how long one call may take; a quarter of it after a call that took all of it, until one is answered.
-  explicit SecretServiceKeychain(std::chrono::milliseconds limit = std::chrono::seconds(2));
+  // `useAhead`: for how long the value that was read ahead is as good as a new one.
+  explicit SecretServiceKeychain(std::chrono::milliseconds limit = std::chrono::seconds(2),
+                                 std::chrono::milliseconds useAhead = std::chrono::milliseconds(500));
   ~SecretServiceKeychain() override;
   SecretServiceKeychain(const SecretServiceKeychain&) = delete;
   SecretServiceKeychain& operator=(const SecretServiceKeychain&) = delete;
@@ -37,11 +40,24 @@ class SecretServiceKeychain : public Keychain {
   // Deletes every matching item.
   OSStatus secItemDelete(const KeychainItemQuery& query) override;
 
+  // Reads what was read last once more, because it is about to be wanted: if the next call asks for just that, and
+  // soon, it has the value without asking the service. Never asks the person anything.
+  void readAhead();
+
  private:
+  using Clock = std::chrono::steady_clock;
+
   struct Connection;
+
+  struct ValueAhead {
+    KeychainItemQuery query;
+    Data value;
+    Clock::time_point read;
+  };
 
   template <typename Operation>
   OSStatus perform(const Operation& operation);
+  std::optional<Data> takeValueAhead(const KeychainItemQuery& query);
   OSStatus told(OSStatus status);
 
   OSStatus add(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value);
@@ -50,11 +66,14 @@ class SecretServiceKeychain : public Keychain {
   OSStatus ask(const std::string& prompt);
 
   const std::chrono::milliseconds limit_;
+  const std::chrono::milliseconds useAhead_;
   std::atomic<OSStatus> toldLast_ = errSecSuccess;
   std::mutex mutex_;  // guards the rest
   GMainContextPtr context_;
   std::unique_ptr<Connection> connection_;  // kept from call to call; dropped when a call fails
   bool wasSilent_ = false;
+  std::optional<KeychainItemQuery> readLast_;
+  std::optional<ValueAhead> valueAhead_;  // until the next call, whatever that is
 };
 
 }  // namespace tavelle

@@ -33,6 +33,9 @@ std::string whyThereIsNoDesktop() {
   return reason;
 }
 
+// For which the application that copies is left alone.
+constexpr std::chrono::milliseconds copyHeadStart{50};
+
 // One heap for all threads, and large texts on it: while a run lasts they come and go without the system, which would
 // clear every page anew. What is free afterwards is given back by the main actor, once nothing is left to do.
 void shareOneHeap() {
@@ -61,6 +64,9 @@ LinuxPlatform::~LinuxPlatform() = default;
 bool LinuxPlatform::openDesktop() {
   desktop_ = x11::Desktop::open(mainActor_);
   if (!desktop_) return false;
+  editingKeys_ = desktop_->postedEditingKeys().subscribe([this](const x11::PostedEditingKey& posted) {
+    if (posted.key == x11::EditingKey::copy) mainActor_.postAfter(copyHeadStart, [this] { getReadyForModel(); });
+  });
   desktopLost_ = desktop_->lost().subscribe([this] { application_.screenHasGone(); });
   application_.setEnding({[this] {
                             statusBar_.withdraw();
@@ -68,6 +74,13 @@ bool LinuxPlatform::openDesktop() {
                           },
                           [this](std::function<void()> done) { desktop_->handOver(std::move(done)); }});
   return true;
+}
+
+// A request needs a program and a key, and they take longer to get than all else that a run does. There is time for
+// them while the run waits for the copy.
+void LinuxPlatform::getReadyForModel() {
+  transfers_->prepare();
+  keychain_.readAhead();
 }
 
 UserDefaults& LinuxPlatform::standardUserDefaults() {

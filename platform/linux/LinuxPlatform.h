@@ -53,6 +53,7 @@ class LinuxPlatform : public Platform {
  private:
   LinuxPlatform();
   bool openDesktop();
+  void getReadyForModel();
   void tellTrouble(const std::string& trouble, const std::string& cause);
 
   GLibMainActor mainActor_;
@@ -68,6 +69,7 @@ class LinuxPlatform : public Platform {
   LinuxURLSession sharedURLSession_{URLSessionConfiguration{}, transfers_};
   LinuxBundle bundle_{LinuxBundle::standardFolder()};
   Subscription desktopLost_;
+  Subscription editingKeys_;
 };
 
 }  // namespace tavelle

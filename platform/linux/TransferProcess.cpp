@@ -91,6 +91,15 @@ TransferProcess::~TransferProcess() {
   if (thread_.joinable()) thread_.join();
 }
 
+void TransferProcess::prepare() {
+  const std::lock_guard lock{mutex_};
+  try {
+    if (socket_ == none) open();
+  } catch (const std::system_error&) {
+    // The request tells why.
+  }
+}
+
 TransferProcess::ID TransferProcess::start(URLRequest request, std::string authorities,
                                            std::shared_ptr<TransferReply> reply) {
   const std::lock_guard lock{mutex_};

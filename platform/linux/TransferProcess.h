@@ -18,7 +18,7 @@
 namespace tavelle {
 
 // The program that talks to servers, `tavelle-transfers`, and the socket that joins it to this process. It is started
-// with the first request and ended when it has had none for a while: libcurl brings two dozen libraries along, which
+// for the first request and ended when it has had none for a while: libcurl brings two dozen libraries along, which
 // are in memory only as long as they are of use, and what comes from the network is taken apart where there are no
 // hotkeys. Callable from any thread.
 class TransferProcess {
@@ -39,6 +39,9 @@ class TransferProcess {
   TransferProcess& operator=(const TransferProcess&) = delete;
 
   static std::filesystem::path standardProgram();
+
+  // Has the program running, because a request is about to come.
+  void prepare();
 
   // Starts the request, whose own limit is that of the silence. `reply` is answered in any case, unless it is cancelled
   // first.

@@ -2,8 +2,11 @@
 
 import json
 
+from pathlib import Path
+
 from tavelle_desktop.journey import DONE, REWRITING, TEXT, DesktopTest
 from tavelle_desktop.model import Model, answer, reworded
+from tavelle_desktop.waiting import wait_until
 
 TOO_MANY = json.dumps({"error": {"message": "You <b>are</b> asking & asking", "type": "rate_limit", "code": None}})
 NOT_JSON = "Error: The data couldn’t be read because it isn’t in the correct format."
@@ -82,6 +85,27 @@ class Connection(DesktopTest):
         self.open()
         self.press_and_wait()
         self.assertEqual(self.model.requests[0][0]["Authorization"], "Bearer made-up key")
+
+    def test_a_key_that_was_changed_since_the_last_run_is_sent(self):
+        self.start_tavelle()
+        self.scripted()
+        self.press_and_wait()
+        self.tavelle.store_secret("another key", "apiKey_custom")
+        self.press_and_wait()
+        keys = [headers["Authorization"] for headers, _ in self.model.requests]
+        self.assertEqual(keys, ["Bearer made-up key", "Bearer another key"])
+
+    def test_what_a_request_needs_is_got_while_the_copy_is_awaited(self):
+        self.start_tavelle()
+        self.scripted(copy_after=60, is_busy=False)
+        self.tavelle.press_hotkey()
+        wait_until(lambda: "tavelle-transfe" in self.names_of_children(), "the program that sends requests is there")
+        self.assertEqual(self.model.requests, [])
+
+    def names_of_children(self):
+        pid = self.tavelle.process.pid
+        children = [task.joinpath("children").read_text().split() for task in Path(f"/proc/{pid}/task").iterdir()]
+        return [Path(f"/proc/{child}/comm").read_text().strip() for found in children for child in found]
 
     def test_every_notification_is_a_new_one(self):
         self.start_tavelle()

@@ -31,6 +31,7 @@ class Desktop {
   X11QuartzEvents& quartzEvents() { return quartzEvents_; }
   X11Accessibility& accessibility() { return accessibility_; }
   PointerPresses& pointerPresses() { return pointerPresses_; }
+  PostedEditingKeys& postedEditingKeys() { return postedEditingKeys_; }
 
   // The server is gone, and the person's session with it. Sent once.
   Subject<>& lost() { return connection_->lost(); }

@@ -137,6 +137,63 @@ TEST_F(SecretServiceKeychainTest, doesNotOpenALockedKeyring) {
   EXPECT_EQ(read, "sk-added");
 }
 
+TEST_F(SecretServiceKeychainTest, hasWhatWasReadAheadWithoutAskingAgain) {
+  keyring.startUnlocked();
+  EXPECT_EQ(add("sk-added"), errSecSuccess);
+  EXPECT_EQ(copy(), errSecSuccess);
+  keychain().readAhead();
+  keyring.stop();
+  EXPECT_EQ(copy(), errSecSuccess);
+  EXPECT_EQ(read, "sk-added");
+  EXPECT_EQ(copy(), errSecNotAvailable) << "it is good for one call";
+}
+
+TEST_F(SecretServiceKeychainTest, readsAheadWhatAnotherProgramHasStoredSinceTheLastTime) {
+  keyring.startUnlocked();
+  keyring.secretTool(command({"store", "--label=OpenAI"}), "sk-first");
+  EXPECT_EQ(copy(), errSecSuccess);
+  keyring.secretTool(command({"store", "--label=OpenAI"}), "sk-second");
+  keychain().readAhead();
+  keyring.stop();
+  EXPECT_EQ(copy(), errSecSuccess);
+  EXPECT_EQ(read, "sk-second");
+}
+
+TEST_F(SecretServiceKeychainTest, forgetsWhatWasReadAheadWithTheNextChange) {
+  keyring.startUnlocked();
+  EXPECT_EQ(add("sk-first"), errSecSuccess);
+  EXPECT_EQ(copy(), errSecSuccess);
+  keychain().readAhead();
+  EXPECT_EQ(remove(), errSecSuccess);
+  EXPECT_EQ(copy(), errSecItemNotFound);
+  EXPECT_EQ(add("sk-second"), errSecSuccess);
+  EXPECT_EQ(copy(), errSecSuccess);
+  EXPECT_EQ(read, "sk-second");
+}
+
+TEST_F(SecretServiceKeychainTest, givesNobodyWhatWasReadAheadForAnotherItem) {
+  const KeychainItemQuery other{item.service, "apiKey_gemini"};
+  keyring.startUnlocked();
+  EXPECT_EQ(add("sk-added"), errSecSuccess);
+  EXPECT_EQ(copy(), errSecSuccess);
+  keychain().readAhead();
+  EXPECT_EQ(keychain().secItemCopyMatching(other, read), errSecItemNotFound);
+  EXPECT_EQ(read, std::nullopt);
+  EXPECT_EQ(copy(), errSecSuccess);
+  EXPECT_EQ(read, "sk-added");
+}
+
+TEST_F(SecretServiceKeychainTest, asksAgainOnceWhatWasReadAheadIsOld) {
+  SecretServiceKeychain forgetful{seconds(20), milliseconds(0)};
+  keyring.startUnlocked();
+  EXPECT_EQ(add("sk-first"), errSecSuccess);
+  EXPECT_EQ(forgetful.secItemCopyMatching(item, read), errSecSuccess);
+  forgetful.readAhead();
+  keyring.secretTool(command({"store", "--label=OpenAI"}), "sk-second");
+  EXPECT_EQ(forgetful.secItemCopyMatching(item, read), errSecSuccess);
+  EXPECT_EQ(read, "sk-second");
+}
+
 // The keychain that gives up soon.
 class SilentSecretServiceTest : public SecretServiceKeychainTest {
  protected:
@@ -212,6 +269,11 @@ class PromptingSecretServiceTest : public SecretServiceKeychainTest {
     expectAsked("answered");
   }
 
+  void lock() {
+    peer_->write("lock\n");
+    expectAsked("locked");
+  }
+
   int timesAsked(const std::string& method) const {
     int count = 0;
     for (auto at = asked_.find(method); at != std::string::npos; at = asked_.find(method, at + 1)) ++count;
@@ -229,6 +291,17 @@ TEST_F(PromptingSecretServiceTest, asksThePersonAndDoesNotWaitForTheAnswer) {
   answer();
   EXPECT_EQ(copy(), errSecSuccess);
   EXPECT_EQ(read, "the secret");
+}
+
+TEST_F(PromptingSecretServiceTest, asksThePersonNothingToReadAhead) {
+  start("locked");
+  EXPECT_EQ(copy(), errSecInteractionNotAllowed);
+  answer();
+  EXPECT_EQ(copy(), errSecSuccess);
+  lock();
+  keychain().readAhead();
+  expectAsked("SearchItems");
+  EXPECT_EQ(timesAsked("Prompt"), 1);
 }
 
 TEST_F(PromptingSecretServiceTest, asksThePersonOneThingAtATime) {

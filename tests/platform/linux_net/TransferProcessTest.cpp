@@ -13,6 +13,7 @@
 #include <set>
 #include <sstream>
 #include <string>
+#include <thread>
 
 namespace tavelle::tests {
 namespace {
@@ -62,6 +63,24 @@ TEST_F(TransferProcessTest, startsOneProgramForAllSessionsWithTheFirstRequest) {
   const auto started = program();
   Load{another, chat(server.baseURL()), executor_}.result();
   EXPECT_EQ(program(), started);
+}
+
+TEST_F(TransferProcessTest, hasTheProgramRunningForTheRequestThatIsToCome) {
+  const StandIn server;
+  process_->prepare();
+  process_->prepare();
+  while (programs().empty()) std::this_thread::yield();
+  const auto prepared = program();
+  load(chat(server.baseURL()));
+  EXPECT_EQ(program(), prepared);
+}
+
+TEST_F(TransferProcessTest, tellsThatTheProgramIsMissingOnlyToTheRequest) {
+  const auto process = std::make_shared<TransferProcess>("/nonexistent/tavelle-transfers");
+  process->prepare();
+  LinuxURLSession session{URLSessionConfiguration{long_}, process};
+  EXPECT_EQ((Load{session, chat("http://127.0.0.1:1/v1"), executor_}.error().errorDescription()),
+            "The part of Tavelle that talks to servers could not be started: No such file or directory");
 }
 
 TEST_F(TransferProcessTest, startsNoneForARequestThatCannotBeSent) {

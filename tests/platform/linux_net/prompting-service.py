@@ -1,6 +1,6 @@
 #!/usr/bin/python3
 """A Secret Service whose keyring is locked, and which asks the person. It prints what it is asked, a line each; a line of input, "answer",
-is the person's answer, after which the keyring is unlocked. Secrets cross in the clear.
+is the person's answer, after which the keyring is unlocked; "lock" locks it again. Secrets cross in the clear.
 
 With "without-keyring" as its argument there is no keyring at all until the person has agreed to one."""
 
@@ -80,6 +80,10 @@ class Peer:
             reply = None
         invocation.return_value(reply)
 
+    def lock(self):
+        self.locked = True
+        print("locked", flush=True)
+
     def answered(self):
         self.locked = False
         path = f"{ROOT}/prompt/p{self.prompts}"
@@ -94,11 +98,14 @@ def main():
     loop = GLib.MainLoop()
 
     def on_input(channel, condition):
-        if not sys.stdin.readline():
+        line = sys.stdin.readline()
+        if line == "answer\n":
+            peer.answered()
+        elif line == "lock\n":
+            peer.lock()
+        else:
             loop.quit()
-            return False
-        peer.answered()
-        return True
+        return bool(line)
 
     GLib.io_add_watch(sys.stdin.fileno(), GLib.PRIORITY_DEFAULT, GLib.IOCondition.IN | GLib.IOCondition.HUP, on_input)
     loop.run()
