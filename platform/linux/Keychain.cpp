@@ -13,9 +13,6 @@ namespace {
 // A service that let a call wait for its whole time is likely to do it again, and the caller stands still meanwhile.
 constexpr int patienceAfterSilence = 4;
 
-// What is read ahead is read in a pause, and is of no use after it.
-constexpr std::chrono::milliseconds limitAhead{100};
-
 }  // namespace
 
 struct SecretServiceKeychain::Connection {
@@ -25,8 +22,7 @@ struct SecretServiceKeychain::Connection {
   std::optional<SecretPrompt> prompt;  // the last one
 };
 
-SecretServiceKeychain::SecretServiceKeychain(std::chrono::milliseconds limit, std::chrono::milliseconds useAhead)
-    : limit_(limit), useAhead_(useAhead), context_(g_main_context_new()) {}
+SecretServiceKeychain::SecretServiceKeychain(const Limits& limits) : limits_(limits), context_(g_main_context_new()) {}
 
 // What still waits in the context holds the bus connection.
 SecretServiceKeychain::~SecretServiceKeychain() {
@@ -40,7 +36,7 @@ template <typename Operation>
 OSStatus SecretServiceKeychain::perform(const Operation& operation) {
   const std::lock_guard lock{mutex_};
   valueAhead_.reset();
-  BoundedCalls calls{context_.get(), wasSilent_ ? limit_ / patienceAfterSilence : limit_};
+  BoundedCalls calls{context_.get(), wasSilent_ ? limits_.call / patienceAfterSilence : limits_.call};
   while (true) {
     const bool isFresh = !connection_;
     try {
@@ -88,7 +84,7 @@ void SecretServiceKeychain::readAhead() {
   const std::lock_guard lock{mutex_};
   valueAhead_.reset();
   if (!connection_ || !readLast_ || wasSilent_) return;
-  BoundedCalls calls{context_.get(), limitAhead};
+  BoundedCalls calls{context_.get(), limits_.readingAhead};
   SecretServiceClient client{calls, connection_->service.get()};
   try {
     const auto found = client.search(*readLast_);
@@ -102,7 +98,7 @@ void SecretServiceKeychain::readAhead() {
 std::optional<Data> SecretServiceKeychain::takeValueAhead(const KeychainItemQuery& query) {
   const std::lock_guard lock{mutex_};
   auto ahead = std::exchange(valueAhead_, std::nullopt);
-  const bool isWanted = ahead && ahead->query == query && Clock::now() < ahead->read + useAhead_;
+  const bool isWanted = ahead && ahead->query == query && Clock::now() < ahead->read + limits_.ageAhead;
   return isWanted ? std::optional{std::move(ahead->value)} : std::nullopt;
 }
 

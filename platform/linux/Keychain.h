@@ -26,10 +26,17 @@ class SecretServiceClient;
 // then, and the call that comes after the answer succeeds.
 class SecretServiceKeychain : public Keychain {
  public:
-  // `limit`: how long one call may take; a quarter of it after a call that took all of it, until one is answered.
-  // `useAhead`: for how long the value that was read ahead is as good as a new one.
-  explicit SecretServiceKeychain(std::chrono::milliseconds limit = std::chrono::seconds(2),
-                                 std::chrono::milliseconds useAhead = std::chrono::milliseconds(500));
+  struct Limits {
+    // One call; a quarter of it after a call that took all of it, until one is answered.
+    std::chrono::milliseconds call = std::chrono::seconds(2);
+    // Reading ahead, which is done in a pause and of no use after it.
+    std::chrono::milliseconds readingAhead{100};
+    // How old what was read ahead may become.
+    std::chrono::milliseconds ageAhead{500};
+  };
+
+  SecretServiceKeychain() : SecretServiceKeychain(Limits{}) {}
+  explicit SecretServiceKeychain(const Limits& limits);
   ~SecretServiceKeychain() override;
   SecretServiceKeychain(const SecretServiceKeychain&) = delete;
   SecretServiceKeychain& operator=(const SecretServiceKeychain&) = delete;
@@ -65,8 +72,7 @@ class SecretServiceKeychain : public Keychain {
   OSStatus askToUnlock(SecretServiceClient& client, const std::vector<std::string>& objects);
   OSStatus ask(const std::string& prompt);
 
-  const std::chrono::milliseconds limit_;
-  const std::chrono::milliseconds useAhead_;
+  const Limits limits_;
   std::atomic<OSStatus> toldLast_ = errSecSuccess;
   std::mutex mutex_;  // guards the rest
   GMainContextPtr context_;

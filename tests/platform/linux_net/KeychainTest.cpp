@@ -17,6 +17,7 @@ namespace tavelle::tests {
 namespace {
 
 using std::chrono::milliseconds;
+using std::chrono::minutes;
 using std::chrono::seconds;
 using Clock = std::chrono::steady_clock;
 
@@ -25,7 +26,7 @@ struct GnomeKeyringBackend {
   Keychain& keychain() { return keychain_; }
 
   Keyring keyring;
-  SecretServiceKeychain keychain_{seconds(20)};
+  SecretServiceKeychain keychain_{{.call = seconds(20)}};
 };
 
 class SecretServiceKeychainTest : public testing::Test {
@@ -47,7 +48,7 @@ class SecretServiceKeychainTest : public testing::Test {
   }
 
  private:
-  SecretServiceKeychain patient_{seconds(20)};
+  SecretServiceKeychain patient_{{.call = seconds(20), .readingAhead = seconds(20), .ageAhead = minutes(10)}};
 };
 
 TEST_F(SecretServiceKeychainTest, findsWhatSecretToolStored) {
@@ -184,7 +185,7 @@ TEST_F(SecretServiceKeychainTest, givesNobodyWhatWasReadAheadForAnotherItem) {
 }
 
 TEST_F(SecretServiceKeychainTest, asksAgainOnceWhatWasReadAheadIsOld) {
-  SecretServiceKeychain forgetful{seconds(20), milliseconds(0)};
+  SecretServiceKeychain forgetful{{.call = seconds(20), .readingAhead = seconds(20), .ageAhead = seconds(0)}};
   keyring.startUnlocked();
   EXPECT_EQ(add("sk-first"), errSecSuccess);
   EXPECT_EQ(forgetful.secItemCopyMatching(item, read), errSecSuccess);
@@ -210,7 +211,7 @@ class SilentSecretServiceTest : public SecretServiceKeychainTest {
   static constexpr milliseconds limit{4000};  // a quarter of it must do for a service that is back
 
  private:
-  SecretServiceKeychain impatient_{limit};
+  SecretServiceKeychain impatient_{{.call = limit}};
 };
 
 TEST_F(SilentSecretServiceTest, answersInTimeAndRecovers) {
