@@ -17,6 +17,7 @@ constexpr auto modelKey = "model";
 constexpr auto baseURLKey = "baseURL";
 constexpr auto temperatureKey = "temperature";
 constexpr auto profilesKey = "rewriteProfiles";
+constexpr auto damagedProfilesKey = "damagedRewriteProfiles";
 
 // A layout with a single hotkey came before the profiles.
 constexpr auto legacyKeyCodeKey = "hotkeyKeyCode";
@@ -62,14 +63,17 @@ std::uint32_t loadLegacyNumber(const UserDefaults& defaults, const char* key, st
   return static_cast<std::uint32_t>(*number);
 }
 
-std::optional<std::vector<RewriteProfile>> loadStoredProfiles(const UserDefaults& defaults) {
-  const auto stored = storedValue<DataValue>(defaults, profilesKey);
-  if (!stored) return std::nullopt;
+// Empty where there are none that can be read. The person gets the first profile back then, and is not asked about a
+// file they may never have seen; what stood there is kept for those who wrote it by hand.
+std::vector<RewriteProfile> loadStoredProfiles(UserDefaults& defaults) {
+  auto stored = defaults.objectForKey(profilesKey);
+  if (!stored) return {};
   try {
-    return decodeProfiles(stored->bytes);
+    if (const auto* const data = std::get_if<DataValue>(&*stored)) return decodeProfiles(data->bytes);
   } catch (const JSONError&) {
-    return std::nullopt;  // the person gets the first profile back, and is not asked about a file they never saw
   }
+  defaults.setObject(*std::move(stored), damagedProfilesKey);
+  return {};
 }
 
 void storeProfiles(UserDefaults& defaults, const std::vector<RewriteProfile>& profiles) {
@@ -102,7 +106,7 @@ SettingsManager::SettingsManager(UserDefaults& defaults, KeychainHelper keychain
       profiles_(loadProfiles(defaults)) {}
 
 std::vector<RewriteProfile> SettingsManager::loadProfiles(UserDefaults& defaults) {
-  if (auto stored = loadStoredProfiles(defaults); stored && !stored->empty()) return *std::move(stored);
+  if (auto stored = loadStoredProfiles(defaults); !stored.empty()) return stored;
 
   std::vector<RewriteProfile> profiles{{
       .id = UUID::random(),

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cstdio>
 #include <utility>
 
 namespace tavelle {
@@ -51,7 +52,7 @@ DBusStatusItem::DBusStatusItem(SessionBus& bus, MainActor& mainActor, Subject<>&
   busName_ = makeBusName();
   name_ = dbus::ownName(connection, busName_);
   watcher_ = dbus::watchName(
-      connection, watcherName, [this] { registerWithWatcher(); }, [] {});
+      connection, watcherName, [this] { registerWithWatcher(); }, [this] { tellThatThereIsNoPanel(); });
   withdrawal_ = withdrawal.subscribe([this] { withdraw(); });
 }
 
@@ -95,6 +96,13 @@ GVariant* DBusStatusItem::pixmaps() const {
   g_variant_builder_init(&builder, G_VARIANT_TYPE("a(iiay)"));
   for (const auto& mask : image_->masks()) g_variant_builder_add_value(&builder, pixmap(mask));
   return g_variant_builder_end(&builder);
+}
+
+// Whoever looks for the icon in vain and starts the program in a terminal, or reads its journal, learns why.
+void DBusStatusItem::tellThatThereIsNoPanel() {
+  if (std::exchange(isAbsenceTold_, true)) return;
+  std::fputs("Tavelle: there is no panel yet that shows icons; starting Tavelle once more opens its settings\n",
+             stderr);
 }
 
 void DBusStatusItem::registerWithWatcher() const {

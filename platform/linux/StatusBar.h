@@ -27,6 +27,7 @@ class DBusStatusItem : public StatusItem {
   std::string iconFolder() const;
   GVariant* pixmaps() const;
   void registerWithWatcher() const;
+  void tellThatThereIsNoPanel();
   void withdraw();
 
   GObjectPtr<GDBusConnection> connection_;
@@ -36,6 +37,7 @@ class DBusStatusItem : public StatusItem {
   dbus::Registration exported_;
   dbus::Registration name_;
   dbus::Registration watcher_;
+  bool isAbsenceTold_ = false;
   Subscription withdrawal_;
 };
 

@@ -1,5 +1,6 @@
 """A desktop on which something is missing, locked, broken or ends: no crash, no hang, nothing lost."""
 
+import json
 import os
 
 from tavelle_desktop.journey import TEXT, DesktopTest, program
@@ -24,6 +25,7 @@ class NoNotificationDaemon(DesktopTest):
             self.tavelle.press_hotkey()
             self.assertEqual(app.wait_for_paste(number), reworded(TEXT))
             self.wait_for_clipboard()
+        self.assertIn("there is no notification service on the session bus", self.tavelle.output())
 
 
 class NoSecretService(DesktopTest):
@@ -37,6 +39,7 @@ class NoSecretService(DesktopTest):
         self.assertNotIn("Authorization", self.model.requests[0][0])
         self.assert_clipboard_is_back()
         self.assertEqual(self.app.text(), reworded(TEXT))
+        self.assertIn("no Secret Service answers on the session bus", self.tavelle.output())
 
 
 class LockedKeyring(DesktopTest):
@@ -60,6 +63,7 @@ class NoTray(DesktopTest):
         self.open()
         self.press_and_wait()
         self.assertEqual(self.app.text(), reworded(TEXT))
+        self.assertIn("there is no panel yet that shows icons", self.tavelle.output())
         self.desktop.start_tray()
         wait_until(self.desktop.tray_items, "a status item")
         self.assert_rewords(reworded(TEXT))
@@ -86,6 +90,7 @@ class SessionBus(DesktopTest):
         self.tavelle.press_hotkey()
         self.assertEqual(app.wait_for_paste(within=20), reworded(TEXT))
         self.assertTrue(self.tavelle.runs(), self.tavelle.output())
+        self.assertIn("there is no session bus", self.tavelle.output())
 
 
 class Settings(DesktopTest):
@@ -97,6 +102,16 @@ class Settings(DesktopTest):
         folder = self.tavelle.settings_file.parent
         wait_until(lambda: any(file.read_text() == damaged for file in folder.iterdir()), "the damaged file is kept")
         self.assertIn("settings.json", self.tavelle.output())
+
+    def test_profiles_that_cannot_be_read_are_kept_beside_the_first_one(self):
+        self.configure_tavelle()
+        written = json.loads(self.tavelle.settings_file.read_text())
+        written["rewriteProfiles"][0]["id"] = "no UUID"
+        self.tavelle.write_settings(json.dumps(written))
+        self.tavelle.start().wait_ready()
+        stored = json.loads(self.tavelle.settings_file.read_text())
+        self.assertEqual(stored["damagedRewriteProfiles"], written["rewriteProfiles"])
+        self.assertEqual([profile["name"] for profile in stored["rewriteProfiles"]], ["Reword"])
 
     def test_a_first_start_has_one_profile_and_writes_it(self):
         self.tavelle = Tavelle(self.desktop, program())

@@ -94,9 +94,10 @@ TEST_F(SettingsManagerTest, treatsAnEmptyListLikeNoList) {
   const auto settings = load();
   EXPECT_THAT(settings.profiles(), SizeIs(1));
   EXPECT_EQ(storedProfiles(), settings.profiles());
+  EXPECT_EQ(defaults.objectForKey("damagedRewriteProfiles"), std::nullopt);
 }
 
-TEST_F(SettingsManagerTest, treatsAListThatCannotBeReadLikeNoList) {
+TEST_F(SettingsManagerTest, treatsAListThatCannotBeReadLikeNoListAndKeepsItBesideTheNewOne) {
   for (const DefaultsValue& stored : {DefaultsValue{DataValue{"nonsense"}}, DefaultsValue{DataValue{R"([{"id":1}])"}},
                                       DefaultsValue{std::string{"[]"}}, DefaultsValue{std::int64_t{5}}}) {
     defaults.values = {{"rewriteProfiles", stored}, {"systemPrompt", std::string{"kept"}}};
@@ -104,6 +105,7 @@ TEST_F(SettingsManagerTest, treatsAListThatCannotBeReadLikeNoList) {
     ASSERT_THAT(settings.profiles(), SizeIs(1));
     EXPECT_EQ(settings.profiles()[0].systemPrompt, "kept");
     EXPECT_EQ(storedProfiles(), settings.profiles());
+    EXPECT_EQ(defaults.objectForKey("damagedRewriteProfiles"), stored);
   }
 }
 
