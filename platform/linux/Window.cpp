@@ -3,6 +3,7 @@
 #include "platform/linux/Programs.h"
 #include "view/wire/BatchLine.h"
 
+#include <algorithm>
 #include <utility>
 #include <variant>
 
@@ -94,10 +95,11 @@ void LinuxWindow::expectAnswer() {
   if (!unanswered_.isSet()) unanswered_.set(drawing_.patience);
 }
 
-// All of them.
+// All of them. A renderer may answer the later question first: it draws before it says that the window is shown.
 bool LinuxWindow::hasAnswered(std::uint64_t number) {
   unanswered_.clear();
-  if (number == questions_) return true;
+  answered_ = std::max(answered_, number);
+  if (answered_ == questions_) return true;
   expectAnswer();
   return false;
 }

@@ -69,6 +69,7 @@ class LinuxWindow : public Window, private view::Renderer {
   std::shared_ptr<view::Content> content_;
   std::optional<WindowPlace> place_;  // none: in the middle
   std::uint64_t questions_ = 0;       // that a renderer was asked
+  std::uint64_t answered_ = 0;        // the last of them that it answered
   std::unique_ptr<RendererProcess> renderer_;
   Deadline unanswered_;
   Deadline rested_;

@@ -76,12 +76,10 @@ void RendererWindow::receive(const std::string& line) {
 void RendererWindow::perform(const Present& present) {
   gtk_window_set_title(window_, present.title.c_str());
   setContentSize(GTK_WIDGET(content_), present.width, present.height);
-  if (gtk_widget_get_mapped(GTK_WIDGET(window_))) {
-    gtk_window_present(window_);
-    return send_(encodeLine(Presented{present.number}));
-  }
+  const bool isDrawn = gtk_widget_get_mapped(GTK_WIDGET(window_)) && !presenting_;
   presenting_ = present;
   gtk_window_present(window_);
+  if (isDrawn) return answer();
   g_signal_connect(gtk_widget_get_frame_clock(GTK_WIDGET(window_)), "after-paint", G_CALLBACK(onPainted), this);
 }
 
@@ -92,8 +90,12 @@ void RendererWindow::onPainted(GdkFrameClock* clock, gpointer self) {
 
 // Only now it is known how large it is, with the shadow that some desktops have it draw.
 void RendererWindow::painted() {
-  moveTo(window_, presenting_.place);
-  send_(encodeLine(Presented{presenting_.number}));
+  if (presenting_) moveTo(window_, presenting_->place);
+  answer();
+}
+
+void RendererWindow::answer() {
+  if (const auto presented = std::exchange(presenting_, std::nullopt)) send_(encodeLine(Presented{presented->number}));
 }
 
 gboolean RendererWindow::onCloseRequest(GtkWindow*, gpointer self) {
@@ -104,6 +106,7 @@ gboolean RendererWindow::onCloseRequest(GtkWindow*, gpointer self) {
 void RendererWindow::close() {
   const Closed closed{placeOf(window_)};
   gtk_widget_set_visible(GTK_WIDGET(window_), false);
+  answer();  // it has been shown, be it undrawn
   send_(encodeLine(closed));
 }
 

@@ -5,6 +5,7 @@
 #include "platform/linux/gtk/KeyMonitors.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 
 namespace tavelle::gtk {
@@ -32,6 +33,7 @@ class RendererWindow {
   void perform(const Ping& ping) { send_(encodeLine(Pong{ping.number})); }
   void addShortcuts();
   void painted();
+  void answer();
   void close();
 
   const Send send_;
@@ -41,7 +43,7 @@ class RendererWindow {
   AdwBin* content_ = ADW_BIN(adw_bin_new());
   KeyMonitors monitors_;
   GtkRenderer renderer_;
-  Present presenting_{};  // the last request that had the window shown
+  std::optional<Present> presenting_;  // the last request, until the window is drawn
 };
 
 }  // namespace tavelle::gtk

@@ -230,9 +230,13 @@ class OpenWindowTest : public WindowTest {
  protected:
   void openDrawnBy(const std::string& manners) {
     drawnBy(std::string{answers} + manners);
-    makeOn(standing, {program(), 10s, 5min, [this] { return std::chrono::steady_clock::time_point{standing.now()}; }});
+    makeStanding();
     window->makeKeyAndOrderFront();
     ASSERT_TRUE(waitUntil([&] { return !content->events.empty(); }));
+  }
+
+  void makeStanding() {
+    makeOn(standing, {program(), 10s, 5min, [this] { return std::chrono::steady_clock::time_point{standing.now()}; }});
   }
 
   std::size_t pings() const {
@@ -280,6 +284,19 @@ TEST_F(OpenWindowTest, isNotGivenUpWhenItAnswers) {
   EXPECT_TRUE(content->isDrawn);
   standing.runToEnd();
   EXPECT_TRUE(standing.isIdle()) << "nothing wakes the program while nobody presses";
+}
+
+TEST_F(OpenWindowTest, isNotGivenUpWhenItAnswersTheLaterQuestionFirst) {
+  drawnBy(
+      "case $line in *'\"number\":2,'*) printf '[\"presented\",{\"number\":2}]\\n[\"presented\",{\"number\":1}]\\n';; "
+      "esac\n" +
+      std::string{pressesAfterIt});
+  makeStanding();
+  window->makeKeyAndOrderFront();
+  window->makeKeyAndOrderFront();
+  ASSERT_TRUE(waitUntil([&] { return content->events.size() == 2; }));
+  standing.advance(10s);
+  EXPECT_THAT(told, IsEmpty());
 }
 
 TEST_F(OpenWindowTest, isAskedNothingOnceItIsClosed) {
