@@ -4,7 +4,6 @@
 #include "platform/UUID.h"
 #include "platform/linux/CommandLine.h"
 #include "platform/linux/LinkPrivacy.h"
-#include "platform/linux/SerialExecutor.h"
 #include "platform/linux/Window.h"
 
 #include <malloc.h>
@@ -12,6 +11,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <system_error>
 #include <utility>
 
 namespace tavelle {
@@ -77,10 +77,14 @@ bool LinuxPlatform::openDesktop() {
 }
 
 // A request needs a program and a key, and they take longer to get than all else that a run does. There is time for
-// them while the run waits for the copy.
+// them while the run waits for the copy. The main thread goes on serving the clipboard and the keyboard meanwhile.
 void LinuxPlatform::getReadyForModel() {
   transfers_->prepare();
-  keychain_.readAhead();
+  try {
+    preparations_.post([this] { keychain_.readAhead(); });
+  } catch (const std::system_error&) {
+    // There can be no thread for it; the run reads the key itself.
+  }
 }
 
 UserDefaults& LinuxPlatform::standardUserDefaults() {

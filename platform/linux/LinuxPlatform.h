@@ -7,6 +7,7 @@
 #include "platform/linux/Bundle.h"
 #include "platform/linux/Keychain.h"
 #include "platform/linux/MainActor.h"
+#include "platform/linux/SerialExecutor.h"
 #include "platform/linux/SessionBus.h"
 #include "platform/linux/StatusBar.h"
 #include "platform/linux/URLSession.h"
@@ -66,6 +67,7 @@ class LinuxPlatform : public Platform {
   SecretServiceKeychain keychain_;
   std::optional<JSONUserDefaults> userDefaults_;  // read when first asked for: not in a second instance
   std::shared_ptr<TransferProcess> transfers_ = std::make_shared<TransferProcess>();
+  LinuxSerialExecutor preparations_;
   LinuxURLSession sharedURLSession_{URLSessionConfiguration{}, transfers_};
   LinuxBundle bundle_{LinuxBundle::standardFolder()};
   Subscription desktopLost_;
