@@ -1,7 +1,8 @@
 """A model that fails: the right words, the clipboard back, the text untouched, and the next run as if nothing had been."""
 
 import json
-
+import ssl
+import subprocess
 from pathlib import Path
 
 from tavelle_desktop.journey import DONE, REWRITING, TEXT, DesktopTest
@@ -9,6 +10,10 @@ from tavelle_desktop.model import Model, answer, reworded
 from tavelle_desktop.waiting import wait_until
 
 TOO_MANY = json.dumps({"error": {"message": "You <b>are</b> asking & asking", "type": "rate_limit", "code": None}})
+UNTRUSTED = (
+    "Error: The certificate for this server is invalid. You might be connecting to a server that is pretending to be “127.0.0.1” "
+    "which could put your confidential information at risk."
+)
 NOT_JSON = "Error: The data couldn’t be read because it isn’t in the correct format."
 
 
@@ -79,6 +84,26 @@ class Connection(DesktopTest):
         self.assertEqual(self.app.text(), TEXT)
         self.model = self._closed_later(Model(port=port))
         self.assert_rewords()
+
+    def test_a_server_that_nobody_vouches_for_is_told_and_sent_nothing(self):
+        self.model = self._closed_later(Model(tls=self.unknown_authority()))
+        self.start_tavelle()
+        self.open()
+        self.own_clipboard()
+        self.press_and_wait(UNTRUSTED)
+        self.assert_clipboard_is_back()
+        self.assertEqual(self.app.text(), TEXT)
+        self.assertEqual(self.model.requests, [])
+
+    def unknown_authority(self):
+        """A certificate for the loopback interface that is signed with its own key."""
+        key, certificate = (str(self.desktop.home / name) for name in ("key.pem", "certificate.pem"))
+        subprocess.run(["openssl", "req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:P-256", "-nodes", "-days", "2",
+                        "-subj", "/CN=127.0.0.1", "-addext", "subjectAltName=IP:127.0.0.1", "-keyout", key, "-out", certificate],
+                       check=True, capture_output=True)  # fmt: skip
+        context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+        context.load_cert_chain(certificate, key)
+        return context
 
     def test_the_stored_key_is_sent(self):
         self.start_tavelle()

@@ -23,8 +23,11 @@ class Handler(BaseHTTPRequestHandler):
 
 
 class Server:
-    def __init__(self, handler, port=0):
+    def __init__(self, handler, port=0, tls=None):
+        """`tls`: an ssl.SSLContext with a certificate, where the server is to speak TLS."""
         self._server = ThreadingHTTPServer(("127.0.0.1", port), handler)
+        if tls:
+            self._server.socket = tls.wrap_socket(self._server.socket, server_side=True)
         self._server.daemon_threads = True
         self.port = self._server.server_address[1]
         threading.Thread(target=self._server.serve_forever, args=(0.05,), daemon=True).start()

@@ -13,14 +13,15 @@ def answer(text):
 class Model(Server):
     """`behaviour` takes the selected text and returns (status, body); None ends the connection without an answer."""
 
-    def __init__(self, behaviour=lambda text: answer(reworded(text)), port=0):
+    def __init__(self, behaviour=lambda text: answer(reworded(text)), port=0, tls=None):
         self.behaviour = behaviour
         self.requests = []
-        super().__init__(self._handler(), port)
+        self._scheme = "https" if tls else "http"
+        super().__init__(self._handler(), port, tls)
 
     @property
     def url(self):
-        return f"http://127.0.0.1:{self.port}/v1"
+        return f"{self._scheme}://127.0.0.1:{self.port}/v1"
 
     def texts(self):
         """The selections that were sent, oldest first."""
