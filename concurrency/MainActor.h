@@ -13,7 +13,7 @@ namespace tavelle {
 class MainActor : public Executor {
  public:
   // Runs `job` on the main thread once `delay` has passed on the continuous clock (monotonic, counting while the
-  // machine sleeps). Never early. Main thread only.
+  // machine sleeps, where the platform has timers of it). Never early. Main thread only.
   virtual void postAfter(std::chrono::milliseconds delay, std::function<void()> job) = 0;
 
   // Suspends the caller for `duration`, with no tolerance; it resumes on the main thread.

@@ -74,7 +74,7 @@ struct URLResult {
 };
 
 // Loads URLs (NSURLSession; libcurl on Linux): the system's trust store and proxies, redirects followed, compressed
-// bodies decoded, cookies of the process. No thread of the caller waits.
+// bodies decoded. Cookies are the platform's affair; Linux keeps none. No thread of the caller waits.
 class URLSession {
  public:
   virtual ~URLSession() = default;
