@@ -118,11 +118,22 @@ TEST_F(ProviderSettingsTabTest, storesProviderThenBaseURLThenModel) {
   EXPECT_THAT(platform.defaults.writes, ElementsAre("provider", "baseURL", "model"));
 }
 
-TEST_F(ProviderSettingsTabTest, showsTheStoredKeyAsItAppears) {
+TEST_F(ProviderSettingsTabTest, showsTheStoredKeyAsItAppearsAndStoresItAgain) {
   storeKey("openai", "sk-1");
+  int changes = 0;
+  const auto token = SettingsManager::shared().objectWillChange().subscribe([&changes] { ++changes; });
   show<ProviderSettingsTab>();
   EXPECT_EQ(keyField(), "sk-1");
-  EXPECT_EQ(storedKey("openai"), "sk-1") << "written back where it came from";
+  EXPECT_EQ(storedKey("openai"), "sk-1");
+  EXPECT_EQ(changes, 1);
+}
+
+TEST_F(ProviderSettingsTabTest, storesNothingWhereThereSeemsToBeNoKey) {
+  int changes = 0;
+  const auto token = SettingsManager::shared().objectWillChange().subscribe([&changes] { ++changes; });
+  show<ProviderSettingsTab>();
+  EXPECT_EQ(keyField(), "");
+  EXPECT_EQ(changes, 0) << "the keyring may only be locked";
 }
 
 TEST_F(ProviderSettingsTabTest, storesTheKeyAsItIsTypedUnderTheCurrentProvider) {
