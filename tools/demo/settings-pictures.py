@@ -46,7 +46,7 @@ class Pictures:
         self.may_answer = threading.Event()
         self.status = 200
         hosted = PROVIDERS["tavelle"]
-        StandIn(desktop, port=hosted.port(program)).start()
+        self.service = StandIn(desktop, port=hosted.port(program)).start()
         self.tavelle = Tavelle(desktop, hosted.program(program), PROFILES)
         self.tavelle.configure(self.model.url, model="llama3.2")
         self.tavelle.store_key("made-up key")
@@ -114,7 +114,11 @@ class Pictures:
         window.element("text", "Email:")
         self.take("account")
         window.type_into("Email:", ADDRESS)
+        self.service.hold()
         window.press("Send Login Link")
+        window.wait_until_shown("push button", "Sending...")
+        self.take("account-sending")
+        self.service.let_go()
         window.wait_for_label(lambda text: text == "Check your email for a login link.", "that the link is sent")
         self.take("account-link-sent")
         self.desktop.processes.run(self.tavelle.program, SIGN_IN_LINK)

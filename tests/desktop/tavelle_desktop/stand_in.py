@@ -1,6 +1,8 @@
 """The stand-in for a model's server, running for a desktop: it speaks every provider's format (tools/stand-in)."""
 
 import json
+import os
+import signal
 from pathlib import Path
 
 from .waiting import wait_until
@@ -34,6 +36,13 @@ class StandIn:
         entries = [json.loads(line) for line in self._log.read_text(encoding="utf-8").splitlines()]
         return [{**entry, "headers": {name.lower(): value for name, value in entry["headers"]}, "body": json.loads(entry["body"])}
                 for entry in entries]  # fmt: skip
+
+    def hold(self):
+        """It answers nothing until it is let go."""
+        os.kill(self._process.pid, signal.SIGSTOP)
+
+    def let_go(self):
+        os.kill(self._process.pid, signal.SIGCONT)
 
     def _listens(self):
         if self._process is None or self._process.poll() is not None:
