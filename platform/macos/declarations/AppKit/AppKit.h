@@ -45,7 +45,7 @@ typedef enum NSEventModifierFlags : NSUInteger {
 @interface NSEvent : NSObject
 @property(readonly) unsigned short keyCode;
 @property(readonly) NSEventModifierFlags modifierFlags;
-@property(nullable, readonly, copy) NSString* charactersIgnoringModifiers;
+@property(nullable, readonly, copy) NSString* characters;
 + (nullable id)addLocalMonitorForEventsMatchingMask:(NSEventMask)mask
                                             handler:(NSEvent* _Nullable (^)(NSEvent* event))block;
 + (void)removeMonitor:(id)monitor;
