@@ -85,6 +85,7 @@ class Button : public Widget {
     if (!attributes.find(Attribute::symbol)) return;
     NSString* const label = words(Attribute::label);
     button_.image = [NSImage imageWithSystemSymbolName:words(Attribute::symbol) accessibilityDescription:label];
+    button_.imagePosition = NSImageOnly;  // an empty title may keep its room otherwise
     button_.toolTip = label;
     button_.accessibilityLabel = label;
   }

@@ -253,10 +253,13 @@ typedef enum NSImageScaling : NSUInteger { NSImageScaleProportionallyUpOrDown = 
 @property BOOL allowsTickMarkValuesOnly;
 @end
 
+typedef enum NSCellImagePosition : NSUInteger { NSImageOnly = 1 } NSCellImagePosition;
+
 @interface NSButton : NSControl
 + (instancetype)buttonWithTitle:(NSString*)title target:(nullable id)target action:(nullable SEL)action;
 @property(copy) NSString* title;
 @property(nullable, strong) NSImage* image;
+@property NSCellImagePosition imagePosition;
 @end
 
 @interface NSPopUpButton : NSButton
