@@ -10,7 +10,7 @@ namespace tavelle::appkit {
 namespace {
 
 constexpr CGFloat rowSpacing = 8;
-constexpr CGFloat titleSize = 20;
+constexpr CGFloat titleSize = 22;
 constexpr CGFloat captionSize = 10;
 
 NSColor* color(const std::string& name) {
