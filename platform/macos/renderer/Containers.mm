@@ -154,7 +154,7 @@ class Stack : public Widget {
   NSStackView* stack_ = makeStack(NSUserInterfaceLayoutOrientationHorizontal, rowSpacing);
 };
 
-// The first on the left, all others on the right.
+// The first on the left, all others on the right; one line high, as its list gives all rows one height.
 class Row : public Widget {
  public:
   NSView* view() const override { return stack_; }
@@ -162,12 +162,17 @@ class Row : public Widget {
 
   void arrange() override {
     if (children.empty()) return;
-    arrangeInStack(stack_, {children.front()}, 0);
+    arrangeInStack(stack_, {children.front()}, 0, keepOnOneLine);
     if (spacer_.superview != stack_) [stack_ insertArrangedSubview:spacer_ atIndex:1];
-    arrangeInStack(stack_, {children.begin() + 1, children.end()}, 2);
+    arrangeInStack(stack_, {children.begin() + 1, children.end()}, 2, keepOnOneLine);
   }
 
  private:
+  static void keepOnOneLine(NSView* view) {
+    if (![view isKindOfClass:NSTextField.class]) return;
+    static_cast<NSTextField*>(view).lineBreakMode = NSLineBreakByTruncatingTail;
+  }
+
   NSStackView* stack_ = makeStack(NSUserInterfaceLayoutOrientationHorizontal, rowSpacing);
   NSView* spacer_ = makeSpacerView();
 };

@@ -121,6 +121,8 @@ typedef enum NSLayoutAttribute : NSInteger {
 @property(readonly, strong) NSLayoutDimension* heightAnchor;
 - (void)addSubview:(NSView*)view;
 - (void)removeFromSuperview;
+- (void)setContentCompressionResistancePriority:(NSLayoutPriority)priority
+                                 forOrientation:(NSLayoutConstraintOrientation)orientation;
 - (void)setContentHuggingPriority:(NSLayoutPriority)priority forOrientation:(NSLayoutConstraintOrientation)orientation;
 @end
 
@@ -176,7 +178,10 @@ APPKIT_EXTERN const NSFontWeight NSFontWeightRegular;
 @end
 
 typedef enum NSControlSize : NSUInteger { NSControlSizeRegular = 0, NSControlSizeSmall = 1 } NSControlSize;
-typedef enum NSLineBreakMode : NSUInteger { NSLineBreakByWordWrapping = 0 } NSLineBreakMode;
+typedef enum NSLineBreakMode : NSUInteger {
+  NSLineBreakByWordWrapping = 0,
+  NSLineBreakByTruncatingTail = 4
+} NSLineBreakMode;
 typedef enum NSTextAlignment : NSInteger {
 #if TARGET_CPU_ARM64
   NSTextAlignmentCenter = 1
