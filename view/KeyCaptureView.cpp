@@ -16,7 +16,8 @@ void KeyCaptureView::removeFromSuperview(EventMonitors& monitors) const {
 
 std::optional<KeyDown> KeyCaptureView::capture(const KeyDown& event) const {
   if (!isEnabled) return event;
-  if (handler) handler(event);
+  // A copy: what it does may bring an update of the view, which assigns over the handler while it runs.
+  if (const auto current = handler) current(event);
   return std::nullopt;
 }
 

@@ -11,6 +11,9 @@ std::string_view firstCharacters(std::string_view text, std::size_t count) {
   for (; count > 0 && end < string.length; --count) {
     const NSRange character = [string rangeOfComposedCharacterSequenceAtIndex:end];
     end = character.location + character.length;
+    // A line's end of two is one character, which composed sequences are not documented to keep together.
+    if (end < string.length && [string characterAtIndex:end - 1] == '\r' && [string characterAtIndex:end] == '\n')
+      ++end;
   }
   return text.substr(0, [[string substringToIndex:end] lengthOfBytesUsingEncoding:NSUTF8StringEncoding]);
 }

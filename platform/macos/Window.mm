@@ -17,7 +17,8 @@
 - (BOOL)performEditingCommand:(NSEvent*)event {
   const auto modifiers = event.modifierFlags & (NSEventModifierFlagCommand | NSEventModifierFlagShift |
                                                 NSEventModifierFlagOption | NSEventModifierFlagControl);
-  NSString* const key = event.charactersIgnoringModifiers.lowercaseString;
+  // With Command held, layouts of other scripts give the Latin letters, as the system's own menus have them.
+  NSString* const key = event.characters.lowercaseString;
   NSDictionary<NSString*, NSString*>* const commands = @{
     @"x" : @"cut:",
     @"c" : @"copy:",

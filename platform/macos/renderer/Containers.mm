@@ -111,10 +111,9 @@ class Stack : public Widget {
   NSView* view() const override { return stack_; }
 
   void update() override {
-    const bool isVertical = string(Attribute::axis) == "vertical";
     stack_.orientation =
-        isVertical ? NSUserInterfaceLayoutOrientationVertical : NSUserInterfaceLayoutOrientationHorizontal;
-    stack_.alignment = isVertical ? NSLayoutAttributeCenterX : NSLayoutAttributeCenterY;
+        isVertical() ? NSUserInterfaceLayoutOrientationVertical : NSUserInterfaceLayoutOrientationHorizontal;
+    stack_.alignment = isVertical() ? NSLayoutAttributeCenterX : NSLayoutAttributeCenterY;
     stack_.spacing = number(Attribute::spacing, rowSpacing);
     updateSize();
   }
@@ -122,18 +121,20 @@ class Stack : public Widget {
   void arrange() override {
     arrangeInStack(stack_, children, 0, [this](NSView* view) {
       if (isSpacer(view)) shareRoom(view);
+      if (isVertical() && children.size() == 1) spanWidth(stack_, view);  // what stands alone, as the tabs do
     });
     updateDistribution();
   }
 
  private:
+  bool isVertical() const { return string(Attribute::axis) == "vertical"; }
+
   // Side by side, children keep their own widths where none of them is made to take more.
   void updateDistribution() {
     const bool stretches = std::any_of(children.begin(), children.end(), [this](const auto* child) {
       return isSpacer(child->view()) || [child->view() isKindOfClass:NSSlider.class];
     });
-    const bool isVertical = stack_.orientation == NSUserInterfaceLayoutOrientationVertical;
-    stack_.distribution = isVertical || stretches ? NSStackViewDistributionFill : NSStackViewDistributionGravityAreas;
+    stack_.distribution = isVertical() || stretches ? NSStackViewDistributionFill : NSStackViewDistributionGravityAreas;
   }
 
   bool isSpacer(NSView* view) const {
@@ -154,7 +155,7 @@ class Stack : public Widget {
   NSStackView* stack_ = makeStack(NSUserInterfaceLayoutOrientationHorizontal, rowSpacing);
 };
 
-// The first on the left, all others on the right.
+// The first on the left, all others on the right; one line high, as its list gives all rows one height.
 class Row : public Widget {
  public:
   NSView* view() const override { return stack_; }
@@ -162,12 +163,17 @@ class Row : public Widget {
 
   void arrange() override {
     if (children.empty()) return;
-    arrangeInStack(stack_, {children.front()}, 0);
+    arrangeInStack(stack_, {children.front()}, 0, keepOnOneLine);
     if (spacer_.superview != stack_) [stack_ insertArrangedSubview:spacer_ atIndex:1];
-    arrangeInStack(stack_, {children.begin() + 1, children.end()}, 2);
+    arrangeInStack(stack_, {children.begin() + 1, children.end()}, 2, keepOnOneLine);
   }
 
  private:
+  static void keepOnOneLine(NSView* view) {
+    if (![view isKindOfClass:NSTextField.class]) return;
+    static_cast<NSTextField*>(view).lineBreakMode = NSLineBreakByTruncatingTail;
+  }
+
   NSStackView* stack_ = makeStack(NSUserInterfaceLayoutOrientationHorizontal, rowSpacing);
   NSView* spacer_ = makeSpacerView();
 };

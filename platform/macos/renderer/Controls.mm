@@ -10,8 +10,10 @@ namespace tavelle::appkit {
 namespace {
 
 constexpr CGFloat rowSpacing = 8;
-constexpr CGFloat titleSize = 20;
+constexpr CGFloat titleSize = 22;
 constexpr CGFloat captionSize = 10;
+// Before buttons (750) and windows (490) do, but not to stacks that would be narrow (250).
+constexpr NSLayoutPriority yielding = 400;
 
 NSColor* color(const std::string& name) {
   if (name == "secondary") return NSColor.secondaryLabelColor;
@@ -27,8 +29,14 @@ CGFloat fontSize(const std::string& name) {
   return NSFont.systemFontSize;
 }
 
+// On one line where there is room for it, and on as many as it takes where there is not.
 class Text : public Widget {
  public:
+  Text() {
+    label_.lineBreakMode = NSLineBreakByWordWrapping;
+    [label_ setContentCompressionResistancePriority:yielding forOrientation:NSLayoutConstraintOrientationHorizontal];
+  }
+
   NSView* view() const override { return label_; }
 
   void update() override {
@@ -37,7 +45,6 @@ class Text : public Widget {
     label_.font = font();
     if (attributes.find(Attribute::maximumWidth)) {
       label_.alignment = NSTextAlignmentCenter;
-      label_.lineBreakMode = NSLineBreakByWordWrapping;
       label_.preferredMaxLayoutWidth = number(Attribute::maximumWidth, 0);
     }
     updateSize();
@@ -85,6 +92,7 @@ class Button : public Widget {
     if (!attributes.find(Attribute::symbol)) return;
     NSString* const label = words(Attribute::label);
     button_.image = [NSImage imageWithSystemSymbolName:words(Attribute::symbol) accessibilityDescription:label];
+    button_.imagePosition = NSImageOnly;  // an empty title may keep its room otherwise
     button_.toolTip = label;
     button_.accessibilityLabel = label;
   }

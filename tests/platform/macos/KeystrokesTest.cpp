@@ -17,6 +17,18 @@ class MacKeystrokes : public MacFixture {
     platform.loop.runToEnd();
   }
 
+  // A run on a selection, which the application copies once the keys are posted; the calls are those after that.
+  void rewordSelection() {
+    SettingsManager::shared().setProvider(LLMProvider::custom);
+    SettingsManager::shared().setBaseURL("http://host/v1");
+    app->performReword(SettingsManager::shared().profiles().front().id);
+    platform.loop.runUntilIdle();
+    calls();
+    platform.pasteboard.contents = {{pasteboardTypeString, "helo wrld"}};
+    platform.network.answer(200, encodeJSON({{"choices", {{{"message", {{"content", "Hello, world."}}}}}}}));
+    platform.loop.runToEnd();
+  }
+
   Platform::Use use{platform};
   std::shared_ptr<AppDelegate> app = std::make_shared<AppDelegate>(platform);
 };
@@ -27,6 +39,14 @@ TEST_F(MacKeystrokes, areMadeByTheHardwaresSourceAndPostedToItsTapWithCommand) {
                                        "CGEventCreateKeyboardEvent(source, 8, false)",
                                        "CGEventSetFlags(key 8 down, 0x100000)", "CGEventSetFlags(key 8 up, 0x100000)",
                                        "CGEventPost(0, key 8 down)", "CGEventPost(0, key 8 up)"));
+}
+
+TEST_F(MacKeystrokes, pasteTheAnswerAsTheyCopiedTheText) {
+  rewordSelection();
+  EXPECT_THAT(calls("CG"), ElementsAre("CGEventSourceCreate(1)", "CGEventCreateKeyboardEvent(source, 9, true)",
+                                       "CGEventCreateKeyboardEvent(source, 9, false)",
+                                       "CGEventSetFlags(key 9 down, 0x100000)", "CGEventSetFlags(key 9 up, 0x100000)",
+                                       "CGEventPost(0, key 9 down)", "CGEventPost(0, key 9 up)"));
 }
 
 TEST_F(MacKeystrokes, areMadeWithoutASourceWhereTheSystemGivesNone) {

@@ -45,7 +45,7 @@ typedef enum NSEventModifierFlags : NSUInteger {
 @interface NSEvent : NSObject
 @property(readonly) unsigned short keyCode;
 @property(readonly) NSEventModifierFlags modifierFlags;
-@property(nullable, readonly, copy) NSString* charactersIgnoringModifiers;
+@property(nullable, readonly, copy) NSString* characters;
 + (nullable id)addLocalMonitorForEventsMatchingMask:(NSEventMask)mask
                                             handler:(NSEvent* _Nullable (^)(NSEvent* event))block;
 + (void)removeMonitor:(id)monitor;
@@ -121,6 +121,8 @@ typedef enum NSLayoutAttribute : NSInteger {
 @property(readonly, strong) NSLayoutDimension* heightAnchor;
 - (void)addSubview:(NSView*)view;
 - (void)removeFromSuperview;
+- (void)setContentCompressionResistancePriority:(NSLayoutPriority)priority
+                                 forOrientation:(NSLayoutConstraintOrientation)orientation;
 - (void)setContentHuggingPriority:(NSLayoutPriority)priority forOrientation:(NSLayoutConstraintOrientation)orientation;
 @end
 
@@ -176,7 +178,10 @@ APPKIT_EXTERN const NSFontWeight NSFontWeightRegular;
 @end
 
 typedef enum NSControlSize : NSUInteger { NSControlSizeRegular = 0, NSControlSizeSmall = 1 } NSControlSize;
-typedef enum NSLineBreakMode : NSUInteger { NSLineBreakByWordWrapping = 0 } NSLineBreakMode;
+typedef enum NSLineBreakMode : NSUInteger {
+  NSLineBreakByWordWrapping = 0,
+  NSLineBreakByTruncatingTail = 4
+} NSLineBreakMode;
 typedef enum NSTextAlignment : NSInteger {
 #if TARGET_CPU_ARM64
   NSTextAlignmentCenter = 1
@@ -253,10 +258,13 @@ typedef enum NSImageScaling : NSUInteger { NSImageScaleProportionallyUpOrDown = 
 @property BOOL allowsTickMarkValuesOnly;
 @end
 
+typedef enum NSCellImagePosition : NSUInteger { NSImageOnly = 1 } NSCellImagePosition;
+
 @interface NSButton : NSControl
 + (instancetype)buttonWithTitle:(NSString*)title target:(nullable id)target action:(nullable SEL)action;
 @property(copy) NSString* title;
 @property(nullable, strong) NSImage* image;
+@property NSCellImagePosition imagePosition;
 @end
 
 @interface NSPopUpButton : NSButton

@@ -17,6 +17,7 @@ NS_ASSUME_NONNULL_BEGIN
 
 typedef double NSTimeInterval;
 typedef NSUInteger NSStringEncoding;
+typedef unsigned short unichar;
 typedef NSString* NSErrorDomain;
 typedef struct _NSRange {
   NSUInteger location;
@@ -55,6 +56,7 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
 - (nullable instancetype)initWithBytes:(const void*)bytes length:(NSUInteger)length encoding:(NSStringEncoding)encoding;
 - (nullable NSData*)dataUsingEncoding:(NSStringEncoding)encoding allowLossyConversion:(BOOL)isLossy;
 - (BOOL)isEqualToString:(NSString*)other;
+- (unichar)characterAtIndex:(NSUInteger)index;
 - (NSRange)rangeOfComposedCharacterSequenceAtIndex:(NSUInteger)index;
 - (NSString*)substringToIndex:(NSUInteger)end;
 - (NSUInteger)lengthOfBytesUsingEncoding:(NSStringEncoding)encoding;
