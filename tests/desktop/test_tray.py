@@ -17,6 +17,13 @@ class StatusItem(DesktopTest):
     def test_its_menu_has_three_entries(self):
         self.assertEqual(self.tray.menu_labels(), ["Reword Selection", None, "Settings...", None, "Quit Tavelle"])
 
+    def test_either_button_opens_its_menu(self):
+        shown = self.desktop.screen.top_windows()
+        for button in (1, 3):
+            self.tray.open_menu(button)
+            self.desktop.keyboard.chord("Escape")
+            wait_until(lambda: self.desktop.screen.top_windows() == shown, "the menu is closed")
+
     def test_reword_selection_rewords_with_the_first_profile(self):
         self.open()
         self.own_clipboard()

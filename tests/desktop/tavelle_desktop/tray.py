@@ -17,8 +17,9 @@ class Tray:
         wait_until(self._desktop.tray_items, "a status item in the tray", within=15)
         wait_until(self._item_place, "the status item on the screen")
 
-    def open_menu(self, button=3):
-        """Clicks the item and returns where the menu is. A click that the panel was not ready for is made again."""
+    def open_menu(self, button=1):
+        """Clicks the item and returns where the menu is. A click that the panel was not ready for is made again: the first one is
+        better not the right button's, which would open a menu of the panel's own then."""
         self.wait_for_item()
         before = {window.id for window, _ in self._desktop.screen.top_windows()}
 
