@@ -55,6 +55,17 @@ TEST_F(KeyCaptureViewTest, swallowsKeysSilentlyWithoutAHandler) {
   EXPECT_EQ(name, "");
 }
 
+TEST_F(KeyCaptureViewTest, letsItsHandlerReplaceItselfWhileItRuns) {
+  capture->isEnabled = true;
+  capture->handler = [this, words = std::string(100, 'x')](const KeyDown&) {
+    capture->handler = nullptr;
+    name = words;
+  };
+  screen.keyDown({0, 0}, "a");
+  EXPECT_EQ(name, std::string(100, 'x'));
+  EXPECT_FALSE(capture->handler);
+}
+
 TEST_F(KeyCaptureViewTest, waitsForAKeyThatIsNoModifier) {
   capture->isEnabled = true;
   screen.modifiersChange();
