@@ -20,7 +20,8 @@ endif()
 
 add_library(tavelle_options INTERFACE)
 target_compile_options(tavelle_options INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Wimplicit-fallthrough -Werror
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wimplicit-fallthrough -Werror
+  $<$<NOT:$<COMPILE_LANGUAGE:C>>:-Wnon-virtual-dtor$<SEMICOLON>-Woverloaded-virtual>
   # Symmetric transfer between coroutines needs the tail call in debug builds too, or a long loop of awaits grows the stack.
   -foptimize-sibling-calls)
 target_include_directories(tavelle_options INTERFACE ${PROJECT_SOURCE_DIR})
