@@ -17,7 +17,7 @@
 
 namespace tavelle {
 
-// macOS. Every member forwards to the system: what to call when, and what to do on failure, is decided above.
+// macOS. The members forward to the system: what to call when, and what to do on failure, is decided above.
 class MacPlatform : public Platform {
  public:
   MainActor& mainActor() override { return mainActor_; }
