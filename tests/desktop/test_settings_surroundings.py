@@ -10,6 +10,19 @@ from tavelle_desktop.waiting import wait_until
 from test_settings_window import SettingsWindowTest
 
 
+class WithoutSyntheticKeys(SettingsWindowTest):
+    options = Options(accessibility=True, synthetic_keys=False)
+
+    def test_the_window_says_that_access_is_missing_and_tells_who_asks_for_it(self):
+        self.settings.open()
+        self.settings.scroll_to_end()
+        self.settings.wait_for_label(lambda text: text == "Not Granted", "that access is missing")
+        told = "this screen takes no synthetic keys"
+        self.assertEqual(self.tavelle.output().count(told), 1)  # at the start
+        self.settings.press("Grant Access")
+        wait_until(lambda: self.tavelle.output().count(told) == 2, "what it needs")
+
+
 class Letters(SettingsWindowTest):
     def wait_for_focus(self, role, name):
         wait_until(lambda: (role, name) in self.settings.focused(),

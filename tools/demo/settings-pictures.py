@@ -6,6 +6,7 @@ usage: tools/demo/settings-pictures.py [--program FILE] [FOLDER]        FOLDER i
 
 import argparse
 import base64
+import itertools
 import os
 import sys
 import threading
@@ -102,6 +103,12 @@ class Pictures:
         self.wait_for_result("Error")
         self.take("provider-error")
 
+    def take_without_access(self):
+        self.window.open()
+        self.window.scroll_to_end()
+        self.window.wait_for_label(lambda text: text == "Not Granted", "that access is missing")
+        self.take("general-without-access", looks=10)
+
     def take_provider_without_key(self):
         self.window.choose_tab("Provider")
         self.window.choose_provider("Ollama")
@@ -134,11 +141,15 @@ class Pictures:
         self.window.picture(self.folder / f"settings-{name}-{self.look}.png")
 
 
-def take(program, folder, look):
-    with Desktop(Options(screen="1024x760", accessibility=True, dark=look == "dark")) as desktop:
+def take(program, folder, look, synthetic_keys):
+    options = Options(screen="1024x760", accessibility=True, dark=look == "dark", synthetic_keys=synthetic_keys)
+    with Desktop(options) as desktop:
         pictures = Pictures(desktop, program, folder, look)
         try:
-            pictures.take_all()
+            if synthetic_keys:
+                pictures.take_all()
+            else:
+                pictures.take_without_access()
         finally:
             pictures.close()
 
@@ -148,13 +159,14 @@ def main():
     parser.add_argument("folder", nargs="?", type=Path, default=ROOT / "docs" / "images")
     parser.add_argument("--program", type=Path, default=ROOT / "build/release/bin/tavelle")
     parser.add_argument("--look", choices=("light", "dark"), help=argparse.SUPPRESS)
+    parser.add_argument("--without-synthetic-keys", action="store_true", help=argparse.SUPPRESS)
     options = parser.parse_args()
     if options.look:
-        take(options.program.resolve(), options.folder.resolve(), options.look)
+        take(options.program.resolve(), options.folder.resolve(), options.look, not options.without_synthetic_keys)
         return 0
     # A process can join the accessibility bus of one desktop only.
-    for look in ("light", "dark"):
-        command = [sys.executable, __file__, str(options.folder), "--program", str(options.program), "--look", look]
+    for look, more in itertools.product(("light", "dark"), ([], ["--without-synthetic-keys"])):
+        command = [sys.executable, __file__, str(options.folder), "--program", str(options.program), "--look", look, *more]
         if os.spawnv(os.P_WAIT, sys.executable, command) != 0:
             return 1
     return 0

@@ -33,6 +33,7 @@ class Options:
     notifications: bool = True
     tray: bool = True
     physical_keyboard: bool = False  # a keyboard that is another device than the one synthetic keys come from
+    synthetic_keys: bool = True  # whether its screen takes them (XTEST); the hand is on another one where not
     clipboard_manager: str = ""  # or "xfsettingsd", "clipman"
     accessibility: bool = False  # whether applications tell a screen reader what they show
     dark: bool = False  # whether applications are asked to be dark
@@ -163,10 +164,11 @@ class Desktop:
 
     def _start_screen(self):
         size = self.options.screen
-        if self.options.physical_keyboard:
+        if self.options.physical_keyboard or not self.options.synthetic_keys:
             host = self._x_server("host-screen", "Xvfb", "-screen", "0", f"{size}x24")
             self.environment["DISPLAY"] = host
-            self.environment["DISPLAY"] = self._x_server("screen", "Xephyr", "-screen", size, "-no-host-grab")
+            lacks = [] if self.options.synthetic_keys else ["-extension", "XTEST"]
+            self.environment["DISPLAY"] = self._x_server("screen", "Xephyr", "-screen", size, "-no-host-grab", *lacks)
             self.keyboard = self._keep(Keyboard(host))
             host_screen = self._keep(Screen(host))
             host_screen.focus_without_window_manager(host_screen.find_windows(lambda names, _title: "Xephyr" in names)[0])
@@ -174,7 +176,7 @@ class Desktop:
             self.environment["DISPLAY"] = self._x_server("screen", "Xvfb", "-screen", "0", f"{size}x24")
             self.keyboard = self._keep(Keyboard(self.display_name))
         self.synthetic_keyboard = self._keep(Keyboard(self.display_name))
-        self.pointer = self._keep(Pointer(self.display_name))
+        self.pointer = self._keep(Pointer(self.display_name if self.options.synthetic_keys else host))
         self.screen = self._keep(Screen(self.display_name))
         self.processes.run("xsetroot", "-solid", "#37526b")
 
