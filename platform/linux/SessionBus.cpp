@@ -1,6 +1,5 @@
 #include "platform/linux/SessionBus.h"
 
-#include <cstdio>
 #include <utility>
 
 namespace tavelle {
@@ -10,9 +9,6 @@ SessionBus::SessionBus(GObjectPtr<GDBusConnection> connection) : isKnown_(true),
 void SessionBus::adopt(GDBusConnection* connection) {
   isKnown_ = true;
   connection_.reset(connection ? G_DBUS_CONNECTION(g_object_ref(connection)) : nullptr);
-  if (!connection) {
-    std::fputs("Tavelle: there is no session bus: neither notifications nor an icon in the panel are shown\n", stderr);
-  }
   // GIO would end the process with the bus, and with it the hotkeys and the clipboard's contents, which need no bus.
   if (connection) g_dbus_connection_set_exit_on_close(connection, false);
 }

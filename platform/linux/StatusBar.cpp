@@ -24,6 +24,10 @@ std::string makeBusName() {
   return std::string{itemInterface} + "-" + std::to_string(getpid()) + "-" + std::to_string(++number);
 }
 
+void tellThatThereIsNoBus() {
+  std::fputs("Tavelle: there is no session bus: neither notifications nor an icon in the panel are shown\n", stderr);
+}
+
 GVariant* noPixmaps() {
   return g_variant_new_parsed("@a(iiay) []");
 }
@@ -41,7 +45,10 @@ GVariant* pixmap(const LinuxImage::Mask& mask) {
 
 DBusStatusItem::DBusStatusItem(SessionBus& bus, MainActor& mainActor, Subject<>& withdrawal) {
   GDBusConnection* const connection = bus.connection();
-  if (!connection) return;
+  if (!connection) {
+    tellThatThereIsNoBus();
+    return;
+  }
   dbus::Object object = {[](std::string_view, GVariant*, GError**) -> GVariant* { return nullptr; },
                          [this](std::string_view name) { return property(name); }};
   exported_ = dbus::exportObject(connection, itemPath, statusNotifierItemXML, std::move(object));
