@@ -35,6 +35,13 @@ class SecretServiceKeychainTest : public testing::Test {
   OSStatus copy() { return keychain().secItemCopyMatching(item, read); }
   OSStatus remove() { return keychain().secItemDelete(item); }
 
+  void addAndReadAhead(const Data& value) {
+    keyring.startUnlocked();
+    EXPECT_EQ(add(value), errSecSuccess);
+    EXPECT_EQ(copy(), errSecSuccess);
+    keychain().readAhead();
+  }
+
   virtual SecretServiceKeychain& keychain() { return patient_; }
 
   Keyring keyring;
@@ -139,10 +146,7 @@ TEST_F(SecretServiceKeychainTest, doesNotOpenALockedKeyring) {
 }
 
 TEST_F(SecretServiceKeychainTest, hasWhatWasReadAheadWithoutAskingAgain) {
-  keyring.startUnlocked();
-  EXPECT_EQ(add("sk-added"), errSecSuccess);
-  EXPECT_EQ(copy(), errSecSuccess);
-  keychain().readAhead();
+  addAndReadAhead("sk-added");
   keyring.stop();
   EXPECT_EQ(copy(), errSecSuccess);
   EXPECT_EQ(read, "sk-added");
@@ -161,10 +165,7 @@ TEST_F(SecretServiceKeychainTest, readsAheadWhatAnotherProgramHasStoredSinceTheL
 }
 
 TEST_F(SecretServiceKeychainTest, forgetsWhatWasReadAheadWithTheNextChange) {
-  keyring.startUnlocked();
-  EXPECT_EQ(add("sk-first"), errSecSuccess);
-  EXPECT_EQ(copy(), errSecSuccess);
-  keychain().readAhead();
+  addAndReadAhead("sk-first");
   EXPECT_EQ(remove(), errSecSuccess);
   EXPECT_EQ(copy(), errSecItemNotFound);
   EXPECT_EQ(add("sk-second"), errSecSuccess);
@@ -174,10 +175,7 @@ TEST_F(SecretServiceKeychainTest, forgetsWhatWasReadAheadWithTheNextChange) {
 
 TEST_F(SecretServiceKeychainTest, givesNobodyWhatWasReadAheadForAnotherItem) {
   const KeychainItemQuery other{item.service, "apiKey_gemini"};
-  keyring.startUnlocked();
-  EXPECT_EQ(add("sk-added"), errSecSuccess);
-  EXPECT_EQ(copy(), errSecSuccess);
-  keychain().readAhead();
+  addAndReadAhead("sk-added");
   EXPECT_EQ(keychain().secItemCopyMatching(other, read), errSecItemNotFound);
   EXPECT_EQ(read, std::nullopt);
   EXPECT_EQ(copy(), errSecSuccess);
