@@ -6,12 +6,13 @@ import subprocess
 import time
 from collections import defaultdict
 
+from tavelle_desktop.processes import children
 from tavelle_desktop.waiting import wait_until
 
 from .events import Events, Teller
 from .peers import Floor, Pipeline, Tavelle
 from .run import Stage, text_of
-from .usage import ForeignLoad, Orphans, children, memory, processor_seconds, wait_until_idle, wake_ups
+from .usage import ForeignLoad, Orphans, memory, processor_seconds, wait_until_idle, wake_ups
 
 SIZES = {"100 B": 100, "10 KB": 10_000, "1 MB": 1_000_000}
 LARGE = {"types": 20, "bytes": 5_000_000}

@@ -8,9 +8,10 @@ import signal
 import time
 from pathlib import Path
 
+from tavelle_desktop.processes import children
 from tavelle_desktop.waiting import wait_until
 
-from .usage import children, processor_seconds
+from .usage import processor_seconds
 
 KEYCODES = {"J": 44, "K": 45, "L": 46}  # X key codes
 

@@ -5,6 +5,7 @@ import ctypes
 import os
 import time
 
+from tavelle_desktop.processes import children
 from tavelle_desktop.waiting import wait_until
 
 SET_CHILD_SUBREAPER = 36
@@ -14,15 +15,6 @@ def adopt_orphans():
     """From here on what a tool's children leave behind is ours to wait for, with the time it used."""
     if ctypes.CDLL(None, use_errno=True).prctl(SET_CHILD_SUBREAPER, 1, 0, 0, 0) != 0:
         raise OSError(ctypes.get_errno(), "prctl")
-
-
-def children(parent=None):
-    """The processes that a process has started, this one unless it is said, and that have not been waited for."""
-    found = set()
-    for task in os.listdir(f"/proc/{parent or os.getpid()}/task"):
-        with open(f"/proc/{parent or os.getpid()}/task/{task}/children", encoding="ascii") as listed:
-            found |= {int(pid) for pid in listed.read().split()}
-    return found
 
 
 class Orphans:

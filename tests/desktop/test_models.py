@@ -7,6 +7,7 @@ from pathlib import Path
 
 from tavelle_desktop.journey import DONE, REWRITING, TEXT, DesktopTest
 from tavelle_desktop.model import Model, answer, reworded
+from tavelle_desktop.processes import children
 from tavelle_desktop.waiting import wait_until
 
 TOO_MANY = json.dumps({"error": {"message": "You <b>are</b> asking & asking", "type": "rate_limit", "code": None}})
@@ -128,9 +129,7 @@ class Connection(DesktopTest):
         self.assertEqual(self.model.requests, [])
 
     def names_of_children(self):
-        pid = self.tavelle.process.pid
-        children = [task.joinpath("children").read_text().split() for task in Path(f"/proc/{pid}/task").iterdir()]
-        return [Path(f"/proc/{child}/comm").read_text().strip() for found in children for child in found]
+        return [Path(f"/proc/{child}/comm").read_text().strip() for child in children(self.tavelle.process.pid)]
 
     def test_every_notification_is_a_new_one(self):
         self.start_tavelle()

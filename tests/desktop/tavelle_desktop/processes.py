@@ -1,5 +1,6 @@
 """The programs of one desktop: each started in a session of its own, remembered, and ended by its process id."""
 
+import contextlib
 import os
 import signal
 import subprocess
@@ -106,6 +107,16 @@ def process_time(pid):
     with open(f"/proc/{pid}/stat", encoding="ascii", errors="replace") as stat:
         fields = stat.read().rpartition(")")[2].split()
     return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
+
+
+def children(parent=None):
+    """The processes that a process has started, this one unless it is said, and that have not been waited for."""
+    found = set()
+    for task in os.listdir(f"/proc/{parent or os.getpid()}/task"):
+        with contextlib.suppress(OSError):  # the thread has just ended
+            with open(f"/proc/{parent or os.getpid()}/task/{task}/children", encoding="ascii") as listed:
+                found |= {int(pid) for pid in listed.read().split()}
+    return found
 
 
 def wait_for_end(process, what, within=10.0):
