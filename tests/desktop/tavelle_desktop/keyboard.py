@@ -5,6 +5,8 @@ from contextlib import contextmanager
 from Xlib import X, XK, display, error
 from Xlib.ext import xtest
 
+from .waiting import wait_until
+
 # X key codes: the evdev code of the key and 8.
 KEYS = {
     "E": 26, "P": 33, "F": 41, "K": 45, "apostrophe": 48, "N": 57, "M": 58, "AltGr": 108,
@@ -13,6 +15,8 @@ KEYS = {
     "Home": 110, "Up": 111, "Left": 113, "Right": 114, "End": 115, "Down": 116, "Super": 133,
     "KP_Add": 86, "KP_1": 87, "KP_Enter": 104, "F13": 191,
 }  # fmt: skip
+
+ANY_BUTTON = X.Button1Mask | X.Button2Mask | X.Button3Mask | X.Button4Mask | X.Button5Mask
 
 
 def close_display(connection):
@@ -82,10 +86,11 @@ class Pointer:
         close_display(self._display)
 
     def click(self, x, y, button=1):
+        """Returns once it has gone out: a window manager that looks at it first holds it back, and not the keys after it."""
         xtest.fake_input(self._display, X.MotionNotify, x=int(x), y=int(y))
         xtest.fake_input(self._display, X.ButtonPress, button)
         xtest.fake_input(self._display, X.ButtonRelease, button)
-        self._display.sync()
+        wait_until(lambda: not self._display.screen().root.query_pointer().mask & ANY_BUTTON, "the click has gone out")
 
     def move(self, x, y):
         xtest.fake_input(self._display, X.MotionNotify, x=int(x), y=int(y))
