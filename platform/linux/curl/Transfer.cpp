@@ -38,8 +38,11 @@ bool becomesGet(long status, const std::string& method) {
 
 }  // namespace
 
-Transfer::Transfer(URLRequest request, std::string authorities, Answer answer)
-    : request_(std::move(request)), authorities_(std::move(authorities)), answer_(std::move(answer)) {}
+Transfer::Transfer(StartTransfer order, Answer answer)
+    : id_(order.id),
+      request_(std::move(order.request)),
+      authorities_(std::move(order.authorities)),
+      answer_(std::move(answer)) {}
 
 Transfer::~Transfer() = default;
 

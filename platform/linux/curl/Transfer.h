@@ -1,26 +1,25 @@
 #pragma once
 
 #include "platform/TransferReply.h"
-#include "platform/URLSession.h"
+#include "platform/linux/TransferFrames.h"
 #include "platform/linux/curl/CurlHandles.h"
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <string>
 
 namespace tavelle {
 
-// One request on its way: what is sent, what has come back, and since when there has been silence. Made on any thread,
-// then used on the transfer thread alone.
+// One request on its way: what is sent, what has come back, and since when there has been silence.
 class Transfer {
  public:
   using Clock = std::chrono::steady_clock;
 
   using Answer = std::function<void(TransferReply::Outcome outcome)>;
 
-  // The request's own limit is that of the silence. `authorities`: as LinuxURLSession has it. `answer` is called once,
-  // on the transfer thread, unless the transfer is cancelled first.
-  Transfer(URLRequest request, std::string authorities, Answer answer);
+  // The request's own limit is that of the silence. `answer` is called once, unless the transfer is cancelled first.
+  Transfer(StartTransfer order, Answer answer);
   ~Transfer();
   Transfer(const Transfer&) = delete;
   Transfer& operator=(const Transfer&) = delete;
@@ -31,6 +30,7 @@ class Transfer {
   // The handle's transfer; null for libcurl's own handles, on which it ends connections.
   static Transfer* of(CURL* handle);
 
+  std::uint64_t id() const { return id_; }
   CURL* handle() const { return handle_.get(); }
 
   // A byte came or went, or the connection got a step further.
@@ -58,6 +58,7 @@ class Transfer {
   static std::size_t onHeader(char* bytes, std::size_t size, std::size_t count, void* transfer);
   static int onProgress(void* transfer, curl_off_t, curl_off_t received, curl_off_t, curl_off_t sent);
 
+  const std::uint64_t id_;
   const URLRequest request_;
   const std::string authorities_;
   const Answer answer_;

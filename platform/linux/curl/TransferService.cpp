@@ -1,41 +1,29 @@
 #include "platform/linux/curl/TransferService.h"
 
-#include <utility>
+#include <memory>
 #include <variant>
 
 namespace tavelle {
 
 void TransferService::run() {
-  while (auto order = receiveOrder(socket_.get())) {
+  while (true) {
+    loop_.runUntilReadable(socket_.get());
+    auto order = receiveOrder(socket_.get());
+    if (!order) return;
     std::visit([this](auto&& each) { obey(std::forward<decltype(each)>(each)); }, *std::move(order));
   }
 }
 
+// Where the result cannot be sent, run() notices that the other side has gone.
 void TransferService::obey(StartTransfer order) {
   const auto id = order.id;
-  auto transfer =
-      std::make_shared<Transfer>(std::move(order.request), std::move(order.authorities),
-                                 [this, id](TransferReply::Outcome outcome) { answer(id, std::move(outcome)); });
-  {
-    const std::lock_guard lock{mutex_};
-    transfers_.emplace(id, transfer);
-  }
-  loop_.start(std::move(transfer));
+  loop_.start(std::make_unique<Transfer>(std::move(order), [this, id](TransferReply::Outcome outcome) {
+    static_cast<void>(sendResult(socket_.get(), {id, std::move(outcome)}));
+  }));
 }
 
 void TransferService::obey(const CancelTransfer& order) {
-  if (auto transfer = take(order.id)) loop_.cancel(std::move(transfer));
-}
-
-// On the transfer thread. Where the result cannot be sent, run() notices that the other side has gone.
-void TransferService::answer(std::uint64_t id, TransferReply::Outcome outcome) {
-  if (const auto kept = take(id)) static_cast<void>(sendResult(socket_.get(), {id, std::move(outcome)}));
-}
-
-std::shared_ptr<Transfer> TransferService::take(std::uint64_t id) {
-  const std::lock_guard lock{mutex_};
-  const auto found = transfers_.extract(id);
-  return found ? found.mapped() : nullptr;
+  loop_.cancel(order.id);
 }
 
 }  // namespace tavelle

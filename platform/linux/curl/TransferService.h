@@ -4,10 +4,7 @@
 #include "platform/linux/TransferFrames.h"
 #include "platform/linux/curl/TransferLoop.h"
 
-#include <cstdint>
-#include <memory>
-#include <mutex>
-#include <unordered_map>
+#include <utility>
 
 namespace tavelle {
 
@@ -22,13 +19,9 @@ class TransferService {
  private:
   void obey(StartTransfer order);
   void obey(const CancelTransfer& order);
-  void answer(std::uint64_t id, TransferReply::Outcome outcome);
-  std::shared_ptr<Transfer> take(std::uint64_t id);
 
   const FileDescriptor socket_;
-  std::mutex mutex_;  // guards the next one
-  std::unordered_map<std::uint64_t, std::shared_ptr<Transfer>> transfers_;
-  TransferLoop loop_;  // its thread answers, and ends first
+  TransferLoop loop_;
 };
 
 }  // namespace tavelle
