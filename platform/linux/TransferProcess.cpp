@@ -5,9 +5,11 @@
 #include "platform/linux/SignalsBlocked.h"
 #include "platform/linux/URLErrors.h"
 
+#include <linux/sockios.h>
 #include <poll.h>
 #include <pthread.h>
 #include <spawn.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/time.h>
 #include <sys/wait.h>
@@ -58,16 +60,19 @@ pid_t spawn(const std::filesystem::path& program, const FileDescriptor& socket) 
   return pid;
 }
 
-// It keeps nothing that is worth waiting for, whatever it is doing.
-void end(pid_t pid) {
-  kill(pid, SIGKILL);
+void reap(pid_t pid) {
   while (waitpid(pid, nullptr, 0) < 0 && errno == EINTR) continue;
 }
 
-void limitSending(const FileDescriptor& socket, std::chrono::milliseconds limit) {
-  const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(limit);
-  const timeval time{seconds.count(), std::chrono::microseconds(limit - seconds).count()};
-  setsockopt(socket.get(), SOL_SOCKET, SO_SNDTIMEO, &time, sizeof time);
+// `what`: SO_SNDTIMEO or SO_RCVTIMEO.
+void limit(const FileDescriptor& socket, int what, std::chrono::milliseconds patience) {
+  const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(patience);
+  const timeval time{seconds.count(), std::chrono::microseconds(patience - seconds).count()};
+  setsockopt(socket.get(), SOL_SOCKET, what, &time, sizeof time);
+}
+
+void answerAll(const auto& replies, const URLError& error) {
+  for (const auto& [id, reply] : replies) reply->deliver(error);
 }
 
 URLError cannotStart(const std::error_code& why) {
@@ -85,14 +90,14 @@ TransferProcess::TransferProcess(std::filesystem::path program, const Patience& 
 
 TransferProcess::~TransferProcess() {
   {
-    const std::lock_guard lock{mutex_};
+    const std::lock_guard lock{ordering_};
     if (socket_ != none) shutdown(socket_, SHUT_RDWR);
   }
   if (thread_.joinable()) thread_.join();
 }
 
 void TransferProcess::prepare() {
-  const std::lock_guard lock{mutex_};
+  const std::lock_guard lock{ordering_};
   try {
     if (socket_ == none) open();
   } catch (const std::system_error&) {
@@ -102,7 +107,7 @@ void TransferProcess::prepare() {
 
 TransferProcess::ID TransferProcess::start(URLRequest request, std::string authorities,
                                            std::shared_ptr<TransferReply> reply) {
-  const std::lock_guard lock{mutex_};
+  const std::lock_guard lock{ordering_};
   const auto id = ++lastID_;
   try {
     if (socket_ == none) open();
@@ -110,14 +115,18 @@ TransferProcess::ID TransferProcess::start(URLRequest request, std::string autho
     reply->deliver(cannotStart(error.code()));
     return id;
   }
-  waiting_.emplace(id, std::move(reply));
+  {
+    const std::lock_guard waiting{replying_};
+    waiting_.emplace(id, std::move(reply));
+  }
   give(StartTransfer{id, std::move(request), std::move(authorities)});
   return id;
 }
 
 void TransferProcess::cancel(ID transfer) {
-  const std::lock_guard lock{mutex_};
-  if (waiting_.erase(transfer) > 0 && socket_ != none) give(CancelTransfer{transfer});
+  if (!take(transfer)) return;
+  const std::lock_guard lock{ordering_};
+  if (socket_ != none) give(CancelTransfer{transfer});
 }
 
 // Where the program has ended, or takes nothing, the thread notices, and answers what waits.
@@ -134,7 +143,8 @@ void TransferProcess::open() {
   }
   FileDescriptor ours{ends[0]};
   FileDescriptor theirs{ends[1]};
-  limitSending(ours, patience_.taking);
+  limit(ours, SO_SNDTIMEO, patience_.taking);
+  limit(ours, SO_RCVTIMEO, patience_.taking);
   const SignalsBlocked blocked;
   thread_ = std::thread{[this, ours = std::move(ours), theirs = std::move(theirs)]() mutable {
     pthread_setname_np(pthread_self(), "transfers");
@@ -144,48 +154,71 @@ void TransferProcess::open() {
 }
 
 void TransferProcess::attend(FileDescriptor ours, FileDescriptor theirs) {
-  Replies unanswered;
-  auto trouble = urlError(URLError::Code::networkConnectionLost);
   try {
     const auto pid = spawn(program_, theirs);
     theirs = {};
-    unanswered = hear(ours.get());
-    end(pid);
+    const auto unanswered = hear(ours.get());
+    kill(pid, SIGKILL);  // it keeps nothing that is worth waiting for, whatever it is doing
+    answerAll(unanswered, urlError(URLError::Code::networkConnectionLost));
+    reap(pid);
   } catch (const std::system_error& error) {
-    trouble = cannotStart(error.code());
-    unanswered = retire();
+    theirs = {};
+    answerAll(retire(), cannotStart(error.code()));
   }
-  for (const auto& [id, reply] : unanswered) reply->deliver(trouble);
 }
 
-// Until the program has gone, or is not needed any more. Returns the replies that will never come.
+// Until the program has gone, is frozen, or is not needed any more. Returns the replies that will never come.
 TransferProcess::Replies TransferProcess::hear(int socket) {
   pollfd polled{socket, POLLIN, 0};
+  bool leftOrders = false;  // when we last looked
   while (true) {
-    const int ready = poll(&polled, 1, static_cast<int>(patience_.rest.count()));
-    if (ready == 0 && retireAtRest()) return {};
+    const auto patience = isAwaited() ? patience_.taking : patience_.rest;
+    const int ready = poll(&polled, 1, static_cast<int>(patience.count()));
+    if (ready == 0) {
+      if (retireAtRest()) return {};
+      if (std::exchange(leftOrders, leavesOrders(socket)) && leftOrders) return retire();
+    }
     if (ready <= 0) continue;
+    leftOrders = false;
     auto result = receiveResult(socket);
     if (!result) return retire();
     if (const auto reply = take(result->id)) reply->deliver(std::move(result->outcome));
   }
 }
 
+bool TransferProcess::isAwaited() {
+  const std::lock_guard lock{replying_};
+  return !waiting_.empty();
+}
+
+// However silent the servers are, a program that is not frozen takes its orders at once. To have one to take, it is
+// told to cancel nobody's transfer.
+bool TransferProcess::leavesOrders(int socket) {
+  const std::unique_lock lock{ordering_, std::try_to_lock};
+  if (!lock) return false;  // one is being given at this moment
+  int left = 0;
+  ioctl(socket, SIOCOUTQ, &left);
+  if (left == 0) give(CancelTransfer{nobodys});
+  return left > 0;
+}
+
 bool TransferProcess::retireAtRest() {
-  const std::lock_guard lock{mutex_};
+  const std::unique_lock ordering{ordering_, std::try_to_lock};
+  if (!ordering) return false;
+  const std::lock_guard replying{replying_};
   if (!waiting_.empty()) return false;
   socket_ = none;
   return true;
 }
 
 TransferProcess::Replies TransferProcess::retire() {
-  const std::lock_guard lock{mutex_};
+  const std::scoped_lock lock{ordering_, replying_};
   socket_ = none;
   return std::exchange(waiting_, {});
 }
 
 std::shared_ptr<TransferReply> TransferProcess::take(ID transfer) {
-  const std::lock_guard lock{mutex_};
+  const std::lock_guard lock{replying_};
   const auto found = waiting_.extract(transfer);
   return found ? found.mapped() : nullptr;
 }

@@ -26,8 +26,10 @@ class TransferProcess {
   using ID = std::uint64_t;
 
   struct Patience {
-    std::chrono::milliseconds rest{std::chrono::seconds(15)};   // without a request, until the program is ended
-    std::chrono::milliseconds taking{std::chrono::seconds(5)};  // for it to take an order, or it is frozen
+    std::chrono::milliseconds rest{std::chrono::seconds(15)};  // without a request, until the program is ended
+    // For it to take what is given, or to go on with what it has begun to say. It is frozen where it does not, or where
+    // it has left an order lying the second time that we look, so long apart.
+    std::chrono::milliseconds taking{std::chrono::seconds(5)};
   };
 
   explicit TransferProcess(std::filesystem::path program = standardProgram())
@@ -54,6 +56,7 @@ class TransferProcess {
   using Replies = std::map<ID, std::shared_ptr<TransferReply>>;
 
   static constexpr int none = -1;
+  static constexpr ID nobodys = 0;
 
   void open();
   void give(const TransferOrder& order);
@@ -61,17 +64,22 @@ class TransferProcess {
   // On the thread that hears what the program says, which lives as long as the program does.
   void attend(FileDescriptor ours, FileDescriptor theirs);
   Replies hear(int socket);
+  bool isAwaited();
+  bool leavesOrders(int socket);
   bool retireAtRest();
   Replies retire();
   std::shared_ptr<TransferReply> take(ID transfer);
 
   const std::filesystem::path program_;
   const Patience patience_;
-  std::mutex mutex_;  // guards the rest
-  ID lastID_ = 0;
+  // The first of two where both are taken. Whoever gives an order has it for as long as the program takes, which may
+  // just be waiting for us to take a result: the thread that hears results waits for the second one alone.
+  std::mutex ordering_;  // guards the next three
+  ID lastID_ = nobodys;
   int socket_ = none;  // the thread's, while the program takes orders
-  Replies waiting_;
   std::thread thread_;
+  std::mutex replying_;  // guards the next one
+  Replies waiting_;
 };
 
 }  // namespace tavelle

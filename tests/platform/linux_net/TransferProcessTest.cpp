@@ -9,11 +9,13 @@
 
 #include <csignal>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <set>
 #include <sstream>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace tavelle::tests {
 namespace {
@@ -47,6 +49,19 @@ class TransferProcessTest : public URLSessionFixture {
     if (!process) return errno == ESRCH;
     pollfd polled{process.get(), POLLIN, 0};
     return poll(&polled, 1, 30'000) == 1;
+  }
+
+  static std::shared_ptr<TransferProcess> processWith(
+      const TransferProcess::Patience& patience,
+      const std::filesystem::path& program = TransferProcess::standardProgram()) {
+    return std::make_shared<TransferProcess>(program, patience);
+  }
+
+  static std::filesystem::path script(const TemporaryFolder& folder, const std::string& command) {
+    auto program = folder.path() / "script";
+    write(program, "#!/bin/sh\n" + command + "\n");
+    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+    return program;
   }
 
   URLError failureWith(const std::filesystem::path& program) {
@@ -111,12 +126,11 @@ TEST_F(TransferProcessTest, endsTheProgramWithItself) {
 TEST_F(TransferProcessTest, endsTheProgramAfterARestAndStartsAnother) {
   const StandIn server;
   LinuxURLSession session{URLSessionConfiguration{long_},
-                          std::make_shared<TransferProcess>(TransferProcess::standardProgram(),
-                                                            TransferProcess::Patience{.rest = milliseconds(1)})};
-  Load silent{session, chat(server.baseURLBehaving("silence")), executor_};
-  ASSERT_EQ(server.waitForRequests(1).size(), 1u);  // by now it would have ended, had it not been waited for
+                          processWith({.rest = milliseconds(1), .taking = milliseconds(1000)})};
+  Load slow{session, chat(server.baseURLBehaving("delay=4")), executor_};
+  ASSERT_EQ(server.waitForRequests(1).size(), 1u);
   const auto first = program();
-  { const auto dropped = std::move(silent); }
+  EXPECT_EQ(slow.result().response.statusCode, 200) << "a server that keeps silent is no rest, and no frozen program";
   EXPECT_TRUE(waitForEnd(first));
   for (int request = 0; request < 20; ++request) {  // at the very moment when it may be ending
     EXPECT_EQ((Load{session, chat(server.baseURL()), executor_}.result().response.statusCode), 200);
@@ -151,9 +165,7 @@ TEST_F(TransferProcessTest, startsAnotherForOneThatDiedAtRest) {
 
 TEST_F(TransferProcessTest, doesNotWaitForAProgramThatIsFrozen) {
   const StandIn server;
-  LinuxURLSession session{URLSessionConfiguration{long_},
-                          std::make_shared<TransferProcess>(TransferProcess::standardProgram(),
-                                                            TransferProcess::Patience{.taking = milliseconds(50)})};
+  LinuxURLSession session{URLSessionConfiguration{long_}, processWith({.taking = milliseconds(1000)})};
   Load{session, chat(server.baseURL()), executor_}.result();
   const auto first = program();
   kill(first, SIGSTOP);
@@ -161,6 +173,32 @@ TEST_F(TransferProcessTest, doesNotWaitForAProgramThatIsFrozen) {
   EXPECT_EQ(large.error().code(), Code::networkConnectionLost);
   EXPECT_EQ((Load{session, chat(server.baseURL()), executor_}.result().response.statusCode), 200);
   EXPECT_NE(program(), first);
+}
+
+TEST_F(TransferProcessTest, doesNotWaitForAProgramThatIsFrozenWithARequestUnderWay) {
+  const StandIn server;
+  LinuxURLSession session{URLSessionConfiguration{long_}, processWith({.taking = milliseconds(1000)})};
+  Load silent{session, chat(server.baseURLBehaving("silence")), executor_};
+  ASSERT_EQ(server.waitForRequests(1).size(), 1u);
+  const auto first = program();
+  kill(first, SIGSTOP);
+  EXPECT_EQ(silent.error().code(), Code::networkConnectionLost);
+  EXPECT_TRUE(waitForEnd(first));
+}
+
+TEST_F(TransferProcessTest, doesNotWaitForAProgramThatIsFrozenInTheMiddleOfAResult) {
+  const TemporaryFolder folder;
+  const auto program = script(folder, "printf half >&3; exec tail -f /dev/null");
+  LinuxURLSession session{URLSessionConfiguration{long_}, processWith({.taking = milliseconds(50)}, program)};
+  EXPECT_EQ((Load{session, chat("http://127.0.0.1:1/v1"), executor_}.error().code()), Code::networkConnectionLost);
+}
+
+TEST_F(TransferProcessTest, takesResultsWhileItGivesOrders) {
+  const StandIn server;
+  const std::string large(20'000'000, 'x');
+  std::vector<Load> loads;
+  for (int request = 0; request < 4; ++request) loads.push_back(start(chat(server.baseURL(), large)));
+  for (auto& each : loads) EXPECT_EQ(each.result().response.statusCode, 200);
 }
 
 TEST_F(TransferProcessTest, saysThatTheProgramIsMissing) {
@@ -176,10 +214,7 @@ TEST_F(TransferProcessTest, takesAProgramThatEndsAtOnceForALostConnection) {
 
 TEST_F(TransferProcessTest, takesAProgramThatTalksNonsenseForALostConnection) {
   const TemporaryFolder folder;
-  const auto program = folder.path() / "nonsense";
-  write(program, "#!/bin/sh\nexec yes nonsense >&3\n");
-  std::filesystem::permissions(program, std::filesystem::perms::owner_all);
-  EXPECT_EQ(failureWith(program).code(), Code::networkConnectionLost);
+  EXPECT_EQ(failureWith(script(folder, "exec yes nonsense >&3")).code(), Code::networkConnectionLost);
 }
 
 TEST_F(TransferProcessTest, hearsNothingOfATransferThatWasCancelled) {
