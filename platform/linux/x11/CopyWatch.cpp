@@ -8,6 +8,7 @@ namespace tavelle::x11 {
 CopyWatch::CopyWatch(Connection& connection, MainActor& actor, SelectionOwner& owner)
     : owner_(owner),
       ping_(connection, [this] { noteAnswer(); }),
+      asking_(actor, [this] { ask(); }),
       patience_(actor, [this] { end(); }),
       lost_(owner.lost().subscribe([this] { end(); })) {}
 
@@ -18,7 +19,11 @@ void CopyWatch::begin(xcb_window_t focus) {
   sent_ = Clock::now();
   focus_ = focus;
   answers_ = 0;
-  patience_.set(ping_.send(focus) ? waitForAnswer : waitWithoutPing);
+  asking_.set(std::chrono::milliseconds{0});
+}
+
+void CopyWatch::ask() {
+  patience_.set(ping_.send(focus_) ? waitForAnswer : waitWithoutPing);
 }
 
 void CopyWatch::noteAnswer() {
@@ -37,6 +42,7 @@ Task<void> CopyWatch::settled() {
 
 void CopyWatch::end() {
   isPending_ = false;
+  asking_.clear();
   ping_.cancel();
   patience_.clear();
   for (auto& arrival : std::exchange(waiting_, {})) arrival.come({});

@@ -47,6 +47,7 @@ class CopyWatch {
  private:
   using Clock = std::chrono::steady_clock;
 
+  void ask();
   void noteAnswer();
   void end();
 
@@ -56,6 +57,7 @@ class CopyWatch {
   xcb_window_t focus_ = XCB_WINDOW_NONE;
   int answers_ = 0;
   WindowPing ping_;
+  Deadline asking_;  // in the next turn of the loop: whoever posts a key counts the time from there
   Deadline patience_;
   std::vector<Arrival<std::monostate>> waiting_;
   Subscription lost_;

@@ -154,6 +154,7 @@ TEST_F(CopyWatchTest, waitsNoLongerOnceSomethingIsWritten) {
   PeerApplication application;
   application.onPing([] {});
   copyFrom(application);
+  ASSERT_TRUE(waitUntil([&] { return application.pings() == 1; }));
   pasteboard->setData("restored", "UTF8_STRING");
   EXPECT_EQ(text(), "restored");
   EXPECT_LT(since(pressed), CopyWatch::waitForAnswer / 2);
@@ -173,10 +174,33 @@ TEST_F(CopyWatchTest, takesNoOtherPingsAnswerForItsOwn) {
   EXPECT_TRUE(isForged);
 }
 
+TEST_F(CopyWatchTest, asksNobodyOnceSomethingIsWrittenInTheSameTurn) {
+  PeerApplication application;
+  copyFrom(application);
+  ASSERT_TRUE(pasteboard->setString("written", pasteboardTypeString));
+  bool isNextTurnOver = false;
+  actor.postAfter(1ms, [&] { isNextTurnOver = true; });
+  ASSERT_TRUE(waitUntil([&] { return isNextTurnOver; }));
+  settle(application.connection());
+  EXPECT_EQ(application.pings(), 0);
+  EXPECT_EQ(rootEvents(), XCB_EVENT_MASK_NO_EVENT);
+}
+
+TEST_F(CopyWatchTest, asksTheWindowOfTheLastCopyAlone) {
+  PeerApplication before;
+  PeerApplication application;
+  copyFrom(before);
+  copyFrom(application);
+  EXPECT_EQ(text(), std::nullopt);
+  EXPECT_EQ(before.pings(), 0);
+  EXPECT_EQ(application.pings(), 2);
+}
+
 TEST_F(CopyWatchTest, listensToTheRootOnlyWhileItWaits) {
   PeerApplication application;
   application.onPing([] {});
   copyFrom(application);
+  ASSERT_TRUE(waitUntil([&] { return application.pings() == 1; }));
   EXPECT_NE(rootEvents(), XCB_EVENT_MASK_NO_EVENT);
   takeClipboard("selected");
   settle(*connection);
