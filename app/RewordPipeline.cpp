@@ -92,13 +92,13 @@ Task<bool> AppDelegate::replaceSelection(RewriteProfile profile) {
   co_await platform_.mainActor().sleep(keystrokeWait);
   if (isTerminating_) co_return false;
 
-  const std::optional<std::string> text = co_await pasteboard.stringForType(pasteboardTypeString);
+  std::optional<std::string> text = co_await pasteboard.stringForType(pasteboardTypeString);
   if (isTerminating_ || !text || text->empty()) co_return false;
   notify("Rewriting...");
 
   const SettingsManager& settings = SettingsManager::shared();
   std::string answer =
-      co_await LLMService::shared().reword(*text, settings.provider(), settings.model(), settings.baseURL(),
+      co_await LLMService::shared().reword(*std::move(text), settings.provider(), settings.model(), settings.baseURL(),
                                            settings.apiKey(), profile.systemPrompt, settings.temperature());
   if (isTerminating_) co_return false;
   pasteboard.clearContents();
