@@ -102,13 +102,6 @@ class Processes:
         return None
 
 
-def process_time(pid):
-    """Processor seconds that a process has used."""
-    with open(f"/proc/{pid}/stat", encoding="ascii", errors="replace") as stat:
-        fields = stat.read().rpartition(")")[2].split()
-    return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
-
-
 def children(parent=None):
     """The processes that a process has started, this one unless it is said, and that have not been waited for."""
     found = set()
