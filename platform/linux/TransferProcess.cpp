@@ -136,7 +136,7 @@ void TransferProcess::give(const TransferOrder& order) {
 
 // Throws std::system_error.
 void TransferProcess::open() {
-  if (thread_.joinable()) thread_.join();  // it has retired, and takes the lock no more
+  if (thread_.joinable()) thread_.join();  // it has retired, and takes no lock any more
   std::array<int, 2> ends{};
   if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) {
     throw std::system_error{errno, std::generic_category()};

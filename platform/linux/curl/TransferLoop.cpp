@@ -79,7 +79,8 @@ std::optional<TransferLoop::Clock::time_point> TransferLoop::nextDeadline() cons
 void TransferLoop::serveSockets() {
   for (const auto& ready : polled_) {
     const auto found = sockets_.find(ready.fd);
-    if (ready.revents == 0 || found == sockets_.end()) continue;  // closed while others in the list were served
+    // Not libcurl's, or closed by it while others in the list were served.
+    if (ready.revents == 0 || found == sockets_.end()) continue;
     if (found->second.transfer) found->second.transfer->noteActivity();
     int running = 0;
     curl_multi_socket_action(multi_.get(), ready.fd, curlEvents(ready.revents), &running);

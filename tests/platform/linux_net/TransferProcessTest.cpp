@@ -128,9 +128,12 @@ TEST_F(TransferProcessTest, endsTheProgramAfterARestAndStartsAnother) {
   LinuxURLSession session{URLSessionConfiguration{long_},
                           processWith({.rest = milliseconds(1), .taking = milliseconds(1000)})};
   Load slow{session, chat(server.baseURLBehaving("delay=4")), executor_};
-  ASSERT_EQ(server.waitForRequests(1).size(), 1u);
+  Load silent{session, chat(server.baseURLBehaving("silence")), executor_};
+  ASSERT_EQ(server.waitForRequests(2).size(), 2u);
   const auto first = program();
   EXPECT_EQ(slow.result().response.statusCode, 200) << "a server that keeps silent is no rest, and no frozen program";
+  EXPECT_EQ(program(), first) << "it is still waited for";
+  { const auto dropped = std::move(silent); }
   EXPECT_TRUE(waitForEnd(first));
   for (int request = 0; request < 20; ++request) {  // at the very moment when it may be ending
     EXPECT_EQ((Load{session, chat(server.baseURL()), executor_}.result().response.statusCode), 200);
