@@ -38,6 +38,10 @@ BoundedCalls::~BoundedCalls() {
   g_main_context_pop_thread_default(context_);
 }
 
+GSourcePtr BoundedCalls::raiseAfter(std::chrono::milliseconds delay, bool& flag) {
+  return attachTimeout(context_, delay, raise, &flag);
+}
+
 GObjectPtr<GAsyncResult> BoundedCalls::finish(std::unique_ptr<Call> call) {
   while (!call->result && !isLastMoment_) g_main_context_iteration(context_, true);
   if (call->result) return std::move(call->result);

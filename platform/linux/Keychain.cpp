@@ -46,10 +46,24 @@ OSStatus SecretServiceKeychain::perform(const Operation& operation) {
       wasSilent_ = false;
       return status;
     } catch (const SecretServiceError& error) {
-      connection_.reset();
+      if (error.status == errSecInteractionNotAllowed) return error.status;
       wasSilent_ = calls.isTimeUp();
-      if (isFresh || calls.isTimeUp()) return error.status;
+      if (wasSilent_ && connection_ && isLocked()) return errSecInteractionNotAllowed;
+      connection_.reset();
+      if (isFresh || wasSilent_) return error.status;
     }
+  }
+}
+
+// Some services want to be unlocked before they search, and answer no earlier.
+bool SecretServiceKeychain::isLocked() {
+  BoundedCalls calls{context_.get(), limits_.question};
+  SecretServiceClient client{calls, connection_->service.get()};
+  try {
+    const auto collection = client.defaultCollection();
+    return !collection.empty() && client.isLocked(collection);
+  } catch (const SecretServiceError&) {
+    return false;
   }
 }
 
@@ -72,10 +86,10 @@ OSStatus SecretServiceKeychain::secItemCopyMatching(const KeychainItemQuery& que
   value = takeValueAhead(query);
   if (value) return told(errSecSuccess);
   return told(perform([&](SecretServiceClient& client) {
-    const auto found = client.search(query);
-    if (found.unlocked.empty()) return found.locked.empty() ? errSecItemNotFound : askToUnlock(client, found.locked);
-    value = client.secret(found.unlocked.front());
-    readLast_ = query;
+    const auto items = usableItems(client, query);
+    if (items.empty()) return errSecItemNotFound;
+    value = client.secret(items.front());
+    readLast_ = {query, items.front()};
     return errSecSuccess;
   }));
 }
@@ -87,9 +101,8 @@ void SecretServiceKeychain::readAhead() {
   BoundedCalls calls{context_.get(), limits_.readingAhead};
   SecretServiceClient client{calls, connection_->service.get()};
   try {
-    const auto found = client.search(*readLast_);
-    if (found.unlocked.empty()) return;
-    valueAhead_ = {*readLast_, client.secret(found.unlocked.front()), Clock::now()};
+    if (!client.isFound(readLast_->item, readLast_->query)) return;  // another one may have its path now
+    valueAhead_ = {readLast_->query, client.secret(readLast_->item), Clock::now()};
   } catch (const SecretServiceError&) {
     // Whoever asks for it finds out why.
   }
@@ -106,48 +119,81 @@ OSStatus SecretServiceKeychain::secItemDelete(const KeychainItemQuery& query) {
   return told(perform([&](SecretServiceClient& client) { return remove(client, query); }));
 }
 
+OSStatus SecretServiceKeychain::secItemReplace(const KeychainItemQuery& item, const Data& value, KeychainAccessible) {
+  return told(perform([&](SecretServiceClient& client) { return replace(client, item, value); }));
+}
+
 OSStatus SecretServiceKeychain::add(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value) {
   // The service would replace the item, or keep two.
-  const auto found = client.search(item);
-  if (!found.unlocked.empty()) return errSecDuplicateItem;
-  if (!found.locked.empty()) return askToUnlock(client, found.locked);
+  if (!usableItems(client, item).empty()) return errSecDuplicateItem;
+  return create(client, item, value);
+}
 
+OSStatus SecretServiceKeychain::replace(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value) {
+  const auto items = usableItems(client, item);
+  if (items.empty()) return create(client, item, value);
+  for (const auto& each : items) client.setSecret(each, value);
+  return errSecSuccess;
+}
+
+OSStatus SecretServiceKeychain::create(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value) {
   auto collection = client.defaultCollection();
   if (collection.empty()) {
     const auto created = client.createDefaultCollection();
-    if (!created.prompt.empty()) return ask(created.prompt);
-    collection = created.object;
+    if (!created.prompt.empty()) ask(client, created.prompt);
+    collection = created.prompt.empty() ? created.object : client.defaultCollection();
   }
-  if (client.isLocked(collection)) return askToUnlock(client, {collection});
+  if (client.isLocked(collection)) unlock(client, {collection});
   const auto created = client.createItem(collection, item, value);
-  return created.prompt.empty() ? errSecSuccess : ask(created.prompt);
+  if (!created.prompt.empty()) ask(client, created.prompt);
+  return errSecSuccess;
 }
 
 OSStatus SecretServiceKeychain::remove(SecretServiceClient& client, const KeychainItemQuery& query) {
   const auto found = client.search(query);
   if (found.unlocked.empty() && found.locked.empty()) return errSecItemNotFound;
-  for (const auto& item : found.unlocked) {
+  removeAll(client, found.unlocked);
+  if (!found.locked.empty()) unlock(client, found.locked);
+  removeAll(client, found.locked);
+  return errSecSuccess;
+}
+
+void SecretServiceKeychain::removeAll(SecretServiceClient& client, const std::vector<std::string>& items) {
+  for (const auto& item : items) {
     const auto outcome = client.deleteItem(item);
-    if (!outcome.prompt.empty()) return ask(outcome.prompt);
+    if (!outcome.prompt.empty()) ask(client, outcome.prompt);
   }
-  return found.locked.empty() ? errSecSuccess : askToUnlock(client, found.locked);
 }
 
-// Some services unlock without asking; the next call succeeds then.
-OSStatus SecretServiceKeychain::askToUnlock(SecretServiceClient& client, const std::vector<std::string>& objects) {
-  if (connection_->prompt && connection_->prompt->isOpen()) return errSecInteractionNotAllowed;
+// The matching items that are unlocked; where all are locked, these, once the service has unlocked them.
+std::vector<std::string> SecretServiceKeychain::usableItems(SecretServiceClient& client,
+                                                            const KeychainItemQuery& query) {
+  auto found = client.search(query);
+  if (!found.unlocked.empty() || found.locked.empty()) return std::move(found.unlocked);
+  unlock(client, found.locked);
+  return std::move(found.locked);
+}
+
+void SecretServiceKeychain::unlock(SecretServiceClient& client, const std::vector<std::string>& objects) {
+  if (isAsking()) throw SecretServiceError{errSecInteractionNotAllowed};
   const auto outcome = client.unlock(objects);
-  return outcome.prompt.empty() ? errSecInteractionNotAllowed : ask(outcome.prompt);
+  if (!outcome.prompt.empty()) ask(client, outcome.prompt);
 }
 
-// The person is asked one thing at a time, however often a key is wanted in the meantime.
-OSStatus SecretServiceKeychain::ask(const std::string& prompt) {
-  if (connection_->prompt && connection_->prompt->isOpen()) return errSecInteractionNotAllowed;
+// Returns once the service has done what it asks about; throws where that is still the person's to decide. They are
+// asked one thing at a time, however often a key is wanted in the meantime.
+void SecretServiceKeychain::ask(SecretServiceClient& client, const std::string& prompt) {
+  if (isAsking()) throw SecretServiceError{errSecInteractionNotAllowed};
   auto* proxy = G_DBUS_PROXY(connection_->service.get());
   const GPtr<> owner{g_dbus_proxy_get_name_owner(proxy)};
-  if (!owner) return errSecNotAvailable;
-  connection_->prompt.emplace(g_dbus_proxy_get_connection(proxy), owner.get(), prompt);
-  return errSecInteractionNotAllowed;
+  if (!owner) throw SecretServiceError{errSecNotAvailable};
+  auto& question = connection_->prompt.emplace(g_dbus_proxy_get_connection(proxy), owner.get(), prompt);
+  client.calls().waitUntil([&] { return !question.isOpen(); }, limits_.question);
+  if (!question.isAgreed()) throw SecretServiceError{errSecInteractionNotAllowed};
+}
+
+bool SecretServiceKeychain::isAsking() const {
+  return connection_->prompt && connection_->prompt->isOpen();
 }
 
 }  // namespace tavelle

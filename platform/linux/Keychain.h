@@ -22,13 +22,17 @@ class SecretServiceClient;
 //     secret-tool store --label="OpenAI" service app.tavelle.Tavelle account apiKey_openai
 //
 // Where the service is missing or does not answer in time, the status is errSecNotAvailable. Where the person has to
-// unlock or to create a keyring first, it is errSecInteractionNotAllowed: the service's own question is on the screen
-// then, and the call that comes after the answer succeeds.
+// agree first (to unlock or to create a keyring, to let Tavelle have an item, to delete one), it is
+// errSecInteractionNotAllowed: the service's own question is on the screen then, and the call that comes after the
+// answer succeeds.
 class SecretServiceKeychain : public Keychain {
  public:
   struct Limits {
     // One call; a quarter of it after a call that took all of it, until one is answered.
     std::chrono::milliseconds call = std::chrono::seconds(2);
+    // For a question that the service answers itself, as it does where the person has told it to ask nothing; and for
+    // finding out, after a call that took all of its time, whether the keyring is locked.
+    std::chrono::milliseconds question{500};
     // Reading ahead, which is done in a pause and of no use after it.
     std::chrono::milliseconds readingAhead{100};
     // How old what was read ahead may become.
@@ -47,14 +51,24 @@ class SecretServiceKeychain : public Keychain {
   // Deletes every matching item.
   OSStatus secItemDelete(const KeychainItemQuery& query) override;
 
+  // Changes every matching item where it is: its label, its notes and its other attributes are the person's. A service
+  // may ask before it deletes one, or keep what was deleted in a bin.
+  OSStatus secItemReplace(const KeychainItemQuery& item, const Data& value, KeychainAccessible accessible) override;
+
   // Reads what was read last once more, because it is about to be wanted: if the next call asks for just that, and
-  // soon, it has the value without asking the service. Never asks the person anything.
+  // soon, it has the value without asking the service. Never asks the person anything, nor has a service do so: some
+  // want to be unlocked before they search.
   void readAhead();
 
  private:
   using Clock = std::chrono::steady_clock;
 
   struct Connection;
+
+  struct Reading {
+    KeychainItemQuery query;
+    std::string item;  // its object path
+  };
 
   struct ValueAhead {
     KeychainItemQuery query;
@@ -64,13 +78,19 @@ class SecretServiceKeychain : public Keychain {
 
   template <typename Operation>
   OSStatus perform(const Operation& operation);
+  bool isLocked();
   std::optional<Data> takeValueAhead(const KeychainItemQuery& query);
   OSStatus told(OSStatus status);
 
   OSStatus add(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value);
+  OSStatus replace(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value);
+  OSStatus create(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value);
   OSStatus remove(SecretServiceClient& client, const KeychainItemQuery& query);
-  OSStatus askToUnlock(SecretServiceClient& client, const std::vector<std::string>& objects);
-  OSStatus ask(const std::string& prompt);
+  void removeAll(SecretServiceClient& client, const std::vector<std::string>& items);
+  std::vector<std::string> usableItems(SecretServiceClient& client, const KeychainItemQuery& query);
+  void unlock(SecretServiceClient& client, const std::vector<std::string>& objects);
+  void ask(SecretServiceClient& client, const std::string& prompt);
+  bool isAsking() const;
 
   const Limits limits_;
   std::atomic<OSStatus> toldLast_ = errSecSuccess;
@@ -78,7 +98,7 @@ class SecretServiceKeychain : public Keychain {
   GMainContextPtr context_;
   std::unique_ptr<Connection> connection_;  // kept from call to call; dropped when a call fails
   bool wasSilent_ = false;
-  std::optional<KeychainItemQuery> readLast_;
+  std::optional<Reading> readLast_;
   std::optional<ValueAhead> valueAhead_;  // until the next call, whatever that is
 };
 

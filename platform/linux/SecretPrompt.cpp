@@ -27,9 +27,13 @@ bool SecretPrompt::isOpen() const {
   return !isCompleted_ && std::chrono::steady_clock::now() - askedAt_ < longestLife;
 }
 
-void SecretPrompt::onCompleted(GDBusConnection*, const char*, const char*, const char*, const char*, GVariant*,
-                               gpointer self) {
-  static_cast<SecretPrompt*>(self)->isCompleted_ = true;
+void SecretPrompt::onCompleted(GDBusConnection*, const char*, const char*, const char*, const char*, GVariant* outcome,
+                               gpointer data) {
+  auto* self = static_cast<SecretPrompt*>(data);
+  gboolean isDismissed = true;
+  if (g_variant_is_of_type(outcome, G_VARIANT_TYPE("(bv)"))) g_variant_get(outcome, "(bv)", &isDismissed, nullptr);
+  self->isDismissed_ = isDismissed;
+  self->isCompleted_ = true;
 }
 
 }  // namespace tavelle

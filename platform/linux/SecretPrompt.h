@@ -9,8 +9,8 @@
 
 namespace tavelle {
 
-// A question that the Secret Service asks the person in its own window. Nobody waits for the answer. Made and destroyed
-// with the main context pushed on which the answer is to be noticed.
+// A question that the Secret Service asks the person in its own window, or answers itself where it was told to ask
+// nothing. Made and destroyed with the main context pushed on which the answer is to be noticed.
 class SecretPrompt {
  public:
   // Has the service ask.
@@ -23,6 +23,8 @@ class SecretPrompt {
   // have lost it.
   bool isOpen() const;
 
+  bool isAgreed() const { return isCompleted_ && !isDismissed_; }
+
  private:
   static void onCompleted(GDBusConnection*, const char*, const char*, const char*, const char*, GVariant*,
                           gpointer self);
@@ -31,6 +33,7 @@ class SecretPrompt {
   guint subscription_;
   std::chrono::steady_clock::time_point askedAt_;
   bool isCompleted_ = false;
+  bool isDismissed_ = false;
 };
 
 }  // namespace tavelle

@@ -102,6 +102,15 @@ SecretServiceClient::Items SecretServiceClient::search(const KeychainItemQuery& 
   return {objectPaths(reply.get(), 0), objectPaths(reply.get(), 1)};
 }
 
+bool SecretServiceClient::isFound(const ObjectPath& item, const KeychainItemQuery& query) {
+  const auto attributes = property(item, itemInterface, "Attributes", G_VARIANT_TYPE("a{ss}"));
+  const auto has = [&](const char* name, const std::string& value) {
+    const char* found = nullptr;
+    return g_variant_lookup(attributes.get(), name, "&s", &found) && value == found;
+  };
+  return attributes && has("service", query.service) && has("account", query.account);
+}
+
 Data SecretServiceClient::secret(const ObjectPath& item) {
   const auto reply = call(item, itemInterface, "GetSecret",
                           g_variant_new("(o)", secret_service_get_session_dbus_path(service_)), "((oayays))");
@@ -113,17 +122,32 @@ Data SecretServiceClient::secret(const ObjectPath& item) {
   return {bytes, size};
 }
 
+void SecretServiceClient::setSecret(const ObjectPath& item, const Data& value) {
+  call(item, itemInterface, "SetSecret", g_variant_new("(@(oayays))", encrypted(value)), "()");
+}
+
+GVariant* SecretServiceClient::encrypted(const Data& value) {
+  const SecretValuePtr plain{secret_value_new(value.data(), static_cast<gssize>(value.size()), "text/plain")};
+  return secret_service_encode_dbus_secret(service_, plain.get());
+}
+
 SecretServiceClient::ObjectPath SecretServiceClient::defaultCollection() {
   const auto reply = call(servicePath, serviceInterface, "ReadAlias", g_variant_new("(s)", "default"), "(o)");
   return objectPath(reply.get(), 0);
 }
 
 bool SecretServiceClient::isLocked(const ObjectPath& collection) {
-  const auto reply = call(collection, "org.freedesktop.DBus.Properties", "Get",
-                          g_variant_new("(ss)", collectionInterface, "Locked"), "(v)");
+  const auto isLocked = property(collection, collectionInterface, "Locked", G_VARIANT_TYPE_BOOLEAN);
+  return isLocked && g_variant_get_boolean(isLocked.get());
+}
+
+GVariantPtr SecretServiceClient::property(const ObjectPath& object, const char* interface, const char* name,
+                                          const GVariantType* type) {
+  const auto reply =
+      call(object, "org.freedesktop.DBus.Properties", "Get", g_variant_new("(ss)", interface, name), "(v)");
   const GVariantPtr boxed{g_variant_get_child_value(reply.get(), 0)};
-  const GVariantPtr value{g_variant_get_variant(boxed.get())};
-  return g_variant_is_of_type(value.get(), G_VARIANT_TYPE_BOOLEAN) && g_variant_get_boolean(value.get());
+  GVariantPtr value{g_variant_get_variant(boxed.get())};
+  return g_variant_is_of_type(value.get(), type) ? std::move(value) : nullptr;
 }
 
 SecretServiceClient::Outcome SecretServiceClient::createDefaultCollection() {
@@ -140,9 +164,7 @@ SecretServiceClient::Outcome SecretServiceClient::createItem(const ObjectPath& c
   g_variant_builder_add(&properties, "{sv}", "org.freedesktop.Secret.Item.Label", g_variant_new_string(label.c_str()));
   g_variant_builder_add(&properties, "{sv}", "org.freedesktop.Secret.Item.Attributes", attributes(item, true));
 
-  const SecretValuePtr plain{secret_value_new(value.data(), static_cast<gssize>(value.size()), "text/plain")};
-  auto* arguments =
-      g_variant_new("(a{sv}@(oayays)b)", &properties, secret_service_encode_dbus_secret(service_, plain.get()), false);
+  auto* arguments = g_variant_new("(a{sv}@(oayays)b)", &properties, encrypted(value), false);
   const auto reply = call(collection, collectionInterface, "CreateItem", arguments, "(oo)");
   return {objectPath(reply.get(), 0), objectPath(reply.get(), 1)};
 }

@@ -42,8 +42,14 @@ class SecretServiceClient {
 
   SecretServiceClient(BoundedCalls& calls, SecretService* service) : calls_(calls), service_(service) {}
 
+  BoundedCalls& calls() { return calls_; }
+
+  // A service may ask the person to unlock it first, without waiting for that.
   Items search(const KeychainItemQuery& query);
+  // Whether this item would be found. Asks nobody anything.
+  bool isFound(const ObjectPath& item, const KeychainItemQuery& query);
   Data secret(const ObjectPath& item);
+  void setSecret(const ObjectPath& item, const Data& value);
 
   // The collection for new items; empty where there is none.
   ObjectPath defaultCollection();
@@ -55,6 +61,9 @@ class SecretServiceClient {
   Outcome unlock(const std::vector<ObjectPath>& objects);
 
  private:
+  // Null where it has another type.
+  GVariantPtr property(const ObjectPath& object, const char* interface, const char* name, const GVariantType* type);
+  GVariant* encrypted(const Data& value);  // with a floating reference
   GVariantPtr call(const ObjectPath& object, const char* interface, const char* method, GVariant* arguments,
                    const char* replyType);
 

@@ -21,6 +21,10 @@ class KeychainContract : public testing::Test {
     return backend_.keychain().secItemAdd(query, value, KeychainAccessible::whenUnlocked);
   }
 
+  OSStatus replace(const KeychainItemQuery& query, const Data& value) {
+    return backend_.keychain().secItemReplace(query, value, KeychainAccessible::whenUnlocked);
+  }
+
   OSStatus remove(const KeychainItemQuery& query) { return backend_.keychain().secItemDelete(query); }
 
   // The status; `read` has the value.
@@ -105,6 +109,21 @@ TYPED_TEST_P(KeychainContract, takesAnItemAgainAfterItWasDeleted) {
   EXPECT_EQ(this->afterAdding("new"), "new");
 }
 
+TYPED_TEST_P(KeychainContract, replacesAnItemThatThereIsOnlyOneOf) {
+  EXPECT_EQ(this->add(this->item, "old"), errSecSuccess);
+  EXPECT_EQ(this->replace(this->item, "new"), errSecSuccess);
+  EXPECT_EQ(this->copy(this->item), errSecSuccess);
+  EXPECT_EQ(this->read, "new");
+  EXPECT_EQ(this->remove(this->item), errSecSuccess);
+  EXPECT_EQ(this->copy(this->item), errSecItemNotFound);
+}
+
+TYPED_TEST_P(KeychainContract, addsWhereThereIsNothingToReplace) {
+  EXPECT_EQ(this->replace(this->item, "value"), errSecSuccess);
+  EXPECT_EQ(this->copy(this->item), errSecSuccess);
+  EXPECT_EQ(this->read, "value");
+}
+
 TYPED_TEST_P(KeychainContract, answersOnAnyThread) {
   EXPECT_EQ(this->add(this->item, "value"), errSecSuccess);
   OSStatus status = errSecIO;
@@ -116,6 +135,7 @@ TYPED_TEST_P(KeychainContract, answersOnAnyThread) {
 REGISTER_TYPED_TEST_SUITE_P(KeychainContract, findsNothingThatWasNeverAdded, readsBackWhatWasAdded, keepsAnEmptyValue,
                             keepsAnyBytes, keepsALongValue, refusesASecondItemOfTheSameName,
                             keepsAccountsAndServicesApart, deletesAnItem, saysWhenThereIsNothingToDelete,
-                            takesAnItemAgainAfterItWasDeleted, answersOnAnyThread);
+                            takesAnItemAgainAfterItWasDeleted, replacesAnItemThatThereIsOnlyOneOf,
+                            addsWhereThereIsNothingToReplace, answersOnAnyThread);
 
 }  // namespace tavelle::tests

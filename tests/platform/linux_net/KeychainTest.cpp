@@ -32,6 +32,9 @@ struct GnomeKeyringBackend {
 class SecretServiceKeychainTest : public testing::Test {
  protected:
   OSStatus add(const Data& value) { return keychain().secItemAdd(item, value, KeychainAccessible::whenUnlocked); }
+  OSStatus replace(const Data& value) {
+    return keychain().secItemReplace(item, value, KeychainAccessible::whenUnlocked);
+  }
   OSStatus copy() { return keychain().secItemCopyMatching(item, read); }
   OSStatus remove() { return keychain().secItemDelete(item); }
 
@@ -48,6 +51,9 @@ class SecretServiceKeychainTest : public testing::Test {
   const KeychainItemQuery item{"app.tavelle.Tavelle", "apiKey_openai"};
   const std::vector<std::string> attributes{"service", "app.tavelle.Tavelle", "account", "apiKey_openai"};
   std::optional<Data> read;
+
+  // Of the first item that secret-tool lists.
+  static std::string pathOf(const std::string& listed) { return listed.substr(0, listed.find('\n')); }
 
   std::vector<std::string> command(std::vector<std::string> words) const {
     words.insert(words.end(), attributes.begin(), attributes.end());
@@ -83,6 +89,29 @@ TEST_F(SecretServiceKeychainTest, deletesEveryMatchingItem) {
   EXPECT_EQ(remove(), errSecSuccess);
   EXPECT_EQ(copy(), errSecItemNotFound);
   EXPECT_EQ(keyring.secretTool(command({"search", "--all"})), "");
+}
+
+TEST_F(SecretServiceKeychainTest, replacesTheValueOfAPersonsOwnItemAndNothingElseOfIt) {
+  keyring.startUnlocked();
+  auto mine = command({"store", "--label=my own"});
+  mine.insert(mine.end(), {"more", "1"});
+  keyring.secretTool(mine, "sk-old");
+  const auto before = keyring.secretTool(command({"search", "--all"}));
+  EXPECT_EQ(replace("sk-new"), errSecSuccess);
+  const auto after = keyring.secretTool(command({"search", "--all"}));
+  EXPECT_NE(after.find("label = my own\nsecret = sk-new\n"), std::string::npos) << after;
+  EXPECT_EQ(pathOf(after), pathOf(before));
+}
+
+TEST_F(SecretServiceKeychainTest, replacesTheValueOfEveryMatchingItem) {
+  keyring.startUnlocked();
+  EXPECT_EQ(add("sk-added"), errSecSuccess);
+  auto twice = command({"store", "--label=twice"});
+  twice.insert(twice.end(), {"more", "1"});
+  keyring.secretTool(twice, "sk-stored");
+  EXPECT_EQ(replace("sk-new"), errSecSuccess);
+  EXPECT_EQ(keyring.secretTool({"lookup", "more", "1"}), "sk-new");
+  EXPECT_EQ(keyring.secretTool({"lookup", "xdg:schema", "app.tavelle.Secret"}), "sk-new");
 }
 
 TEST_F(SecretServiceKeychainTest, keepsItemsAcrossARestartOfTheService) {
@@ -137,6 +166,7 @@ TEST_F(SecretServiceKeychainTest, doesNotOpenALockedKeyring) {
   EXPECT_EQ(copy(), errSecInteractionNotAllowed);
   EXPECT_EQ(read, std::nullopt);
   EXPECT_EQ(add("sk-other"), errSecInteractionNotAllowed);
+  EXPECT_EQ(replace("sk-other"), errSecInteractionNotAllowed);
   EXPECT_EQ(remove(), errSecInteractionNotAllowed);
 
   keyring.stop();
@@ -246,8 +276,12 @@ TEST_F(SilentSecretServiceTest, answersInTimeWhereTheBusIsSilent) {
 // A keyring that asks the person before it does anything.
 class PromptingSecretServiceTest : public SecretServiceKeychainTest {
  protected:
-  void start(const std::string& kind) {
-    peer_.emplace(std::vector<std::string>{"/usr/bin/python3", TAVELLE_PROMPTING_SERVICE, kind});
+  SecretServiceKeychain& keychain() override { return busy_; }
+
+  void start(const std::vector<std::string>& manners = {}) {
+    std::vector<std::string> command{"/usr/bin/python3", TAVELLE_PROMPTING_SERVICE};
+    command.insert(command.end(), manners.begin(), manners.end());
+    peer_.emplace(command);
     ASSERT_TRUE(keyring.bus().waitForOwner("org.freedesktop.secrets"));
   }
 
@@ -273,6 +307,17 @@ class PromptingSecretServiceTest : public SecretServiceKeychainTest {
     expectAsked("locked");
   }
 
+  void reuse() {
+    peer_->write("reuse\n");
+    expectAsked("reused");
+  }
+
+  void unlock() {
+    EXPECT_EQ(copy(), errSecInteractionNotAllowed);
+    answer();
+    EXPECT_EQ(copy(), errSecSuccess);
+  }
+
   int timesAsked(const std::string& method) const {
     int count = 0;
     for (auto at = asked_.find(method); at != std::string::npos; at = asked_.find(method, at + 1)) ++count;
@@ -282,10 +327,11 @@ class PromptingSecretServiceTest : public SecretServiceKeychainTest {
  private:
   std::optional<ChildProcess> peer_;
   std::string asked_;
+  SecretServiceKeychain busy_{{.call = seconds(20), .question = seconds(0), .readingAhead = seconds(20)}};
 };
 
 TEST_F(PromptingSecretServiceTest, asksThePersonAndDoesNotWaitForTheAnswer) {
-  start("locked");
+  start();
   EXPECT_EQ(copy(), errSecInteractionNotAllowed);
   answer();
   EXPECT_EQ(copy(), errSecSuccess);
@@ -293,18 +339,40 @@ TEST_F(PromptingSecretServiceTest, asksThePersonAndDoesNotWaitForTheAnswer) {
 }
 
 TEST_F(PromptingSecretServiceTest, asksThePersonNothingToReadAhead) {
-  start("locked");
-  EXPECT_EQ(copy(), errSecInteractionNotAllowed);
-  answer();
-  EXPECT_EQ(copy(), errSecSuccess);
+  start();
+  unlock();
   lock();
+  const int searches = timesAsked("SearchItems");
   keychain().readAhead();
-  expectAsked("SearchItems");
+  expectAsked("GetSecret");
+  EXPECT_EQ(timesAsked("SearchItems"), searches) << "some services ask to be unlocked before they search";
   EXPECT_EQ(timesAsked("Prompt"), 1);
 }
 
+TEST_F(PromptingSecretServiceTest, readsAheadNothingOfSomebodyElsesThatHasTakenTheItemsPath) {
+  start();
+  unlock();
+  reuse();
+  keychain().readAhead();
+  const int readings = timesAsked("GetSecret");
+  lock();
+  EXPECT_EQ(copy(), errSecInteractionNotAllowed);
+  expectAsked("Prompt");
+  EXPECT_EQ(timesAsked("GetSecret"), readings);
+}
+
+TEST_F(PromptingSecretServiceTest, changesAnItemWithoutDeletingIt) {
+  start();
+  unlock();
+  EXPECT_EQ(replace("another"), errSecSuccess);
+  EXPECT_EQ(copy(), errSecSuccess);
+  EXPECT_EQ(read, "another");
+  expectAsked("SetSecret");
+  EXPECT_EQ(timesAsked("Delete"), 0);
+}
+
 TEST_F(PromptingSecretServiceTest, asksThePersonOneThingAtATime) {
-  start("locked");
+  start();
   for (int count = 0; count < 5; ++count) EXPECT_EQ(copy(), errSecInteractionNotAllowed);
   EXPECT_EQ(add("sk-added"), errSecInteractionNotAllowed);
   EXPECT_EQ(remove(), errSecInteractionNotAllowed);
@@ -313,7 +381,7 @@ TEST_F(PromptingSecretServiceTest, asksThePersonOneThingAtATime) {
 }
 
 TEST_F(PromptingSecretServiceTest, asksAgainOnceTheLastQuestionWasAnswered) {
-  start("locked");
+  start();
   EXPECT_EQ(copy(), errSecInteractionNotAllowed);
   answer();
   EXPECT_EQ(remove(), errSecInteractionNotAllowed);
@@ -323,11 +391,55 @@ TEST_F(PromptingSecretServiceTest, asksAgainOnceTheLastQuestionWasAnswered) {
 }
 
 TEST_F(PromptingSecretServiceTest, asksWhetherToMakeAKeyring) {
-  start("without-keyring");
+  start({"without-keyring"});
   EXPECT_EQ(copy(), errSecItemNotFound);
   EXPECT_EQ(add("sk-added"), errSecInteractionNotAllowed);
   expectAsked("CreateCollection");
   expectAsked("Prompt");
+}
+
+// One that was told to ask nothing, and still answers with prompts.
+class AgreeingSecretServiceTest : public PromptingSecretServiceTest {
+ protected:
+  SecretServiceKeychain& keychain() override { return patient_; }
+
+ private:
+  SecretServiceKeychain patient_{{.call = seconds(40), .question = seconds(20)}};
+};
+
+TEST_F(AgreeingSecretServiceTest, readsAtOnceWhatItUnlocks) {
+  start({"asks-nobody"});
+  EXPECT_EQ(copy(), errSecSuccess);
+  EXPECT_EQ(read, "the secret");
+}
+
+TEST_F(AgreeingSecretServiceTest, replacesAtOnceWhatItUnlocks) {
+  start({"asks-nobody"});
+  EXPECT_EQ(replace("another"), errSecSuccess);
+  EXPECT_EQ(copy(), errSecSuccess);
+  EXPECT_EQ(read, "another");
+}
+
+TEST_F(AgreeingSecretServiceTest, deletesAtOnceWhatItUnlocks) {
+  start({"asks-nobody"});
+  EXPECT_EQ(remove(), errSecSuccess);
+  expectAsked("Delete");
+  expectAsked("answered");
+}
+
+TEST_F(AgreeingSecretServiceTest, addsAtOnceToTheKeyringThatItMakes) {
+  start({"asks-nobody", "without-keyring"});
+  EXPECT_EQ(replace("sk-added"), errSecSuccess);
+  expectAsked("CreateCollection");
+  expectAsked("CreateItem");
+  expectAsked("answered");
+}
+
+// It has asked to be unlocked itself.
+TEST_F(SilentSecretServiceTest, isLockedWhereTheServiceSearchesNothingBeforeItIsUnlocked) {
+  ChildProcess service{{"/usr/bin/python3", TAVELLE_PROMPTING_SERVICE, "unlocked-first"}};
+  ASSERT_TRUE(keyring.bus().waitForOwner("org.freedesktop.secrets"));
+  EXPECT_EQ(copy(), errSecInteractionNotAllowed);
 }
 
 }  // namespace

@@ -1,8 +1,10 @@
 #!/usr/bin/python3
 """A Secret Service whose keyring is locked, and which asks the person. It prints what it is asked, a line each; a line of input, "answer",
-is the person's answer, after which the keyring is unlocked; "lock" locks it again. Secrets cross in the clear.
+is the person's answer, after which the keyring is unlocked; "lock" locks it again, and "reuse" puts an item of somebody else's at the path
+of the one there was. Secrets cross in the clear.
 
-With "without-keyring" as its argument there is no keyring at all until the person has agreed to one."""
+Its arguments: with "without-keyring" there is no keyring at all until the person has agreed to one; with "asks-nobody" it answers its own
+questions; with "unlocked-first" it answers no search before it is unlocked."""
 
 import sys
 
@@ -21,6 +23,8 @@ COLLECTION = """<node><interface name='org.freedesktop.Secret.Collection'>
 <property name='Locked' type='b' access='read'/>
 </interface></node>"""
 ITEM = """<node><interface name='org.freedesktop.Secret.Item'>
+<property name='Attributes' type='a{ss}' access='read'/>
+<method name='SetSecret'><arg type='(oayays)' direction='in'/></method>
 <method name='GetSecret'><arg type='o' direction='in'/><arg type='(oayays)' direction='out'/></method>
 <method name='Delete'><arg type='o' direction='out'/></method>
 </interface></node>"""
@@ -32,11 +36,16 @@ PROMPT = """<node><interface name='org.freedesktop.Secret.Prompt'>
 ROOT = "/org/freedesktop/secrets"
 KEYRING = ROOT + "/collection/login"
 STORED = KEYRING + "/1"
+ATTRIBUTES = {"service": "app.tavelle.Tavelle", "account": "apiKey_openai", "xdg:schema": "org.freedesktop.Secret.Generic"}
 
 
 class Peer:
-    def __init__(self, has_keyring):
-        self.has_keyring = has_keyring
+    def __init__(self, manners):
+        self.has_keyring = "without-keyring" not in manners
+        self.asks_nobody = "asks-nobody" in manners
+        self.unlocked_first = "unlocked-first" in manners
+        self.attributes = ATTRIBUTES
+        self.stored = b"the secret"
         self.locked = True
         self.prompts = 0
         self.bus = Gio.bus_get_sync(Gio.BusType.SESSION)
@@ -54,6 +63,8 @@ class Peer:
         return path
 
     def property(self, connection, sender, path, interface, name):
+        if name == "Attributes":
+            return GLib.Variant("a{ss}", self.attributes)
         return GLib.Variant("b", self.locked) if name == "Locked" else GLib.Variant("ao", [KEYRING])
 
     def call(self, connection, sender, path, interface, method, arguments, invocation):
@@ -63,6 +74,8 @@ class Peer:
                 invocation.return_dbus_error("org.freedesktop.DBus.Error.NotSupported", "in the clear only")
                 return
             reply = GLib.Variant("(vo)", (GLib.Variant("s", ""), ROOT + "/session/1"))
+        elif method == "SearchItems" and self.unlocked_first and self.locked:
+            return
         elif method == "SearchItems":
             found = [STORED] if self.has_keyring else []
             reply = GLib.Variant("(aoao)", ([], found) if self.locked else (found, []))
@@ -72,20 +85,33 @@ class Peer:
             reply = GLib.Variant("(o)", (KEYRING if self.has_keyring else "/",))
         elif method in ("CreateCollection", "CreateItem"):
             reply = GLib.Variant("(oo)", ("/", self.new_prompt()))
+        elif method in ("GetSecret", "SetSecret") and self.locked:
+            invocation.return_dbus_error("org.freedesktop.Secret.Error.IsLocked", "it is locked")
+            return
         elif method == "GetSecret":
-            reply = GLib.Variant("((oayays))", ((ROOT + "/session/1", b"", b"the secret", "text/plain"),))
+            reply = GLib.Variant("((oayays))", ((ROOT + "/session/1", b"", self.stored, "text/plain"),))
+        elif method == "SetSecret":
+            self.stored = bytes(arguments.unpack()[0][2])
+            reply = None
         elif method == "Delete":
             reply = GLib.Variant("(o)", (self.new_prompt(),))
         else:
             reply = None
         invocation.return_value(reply)
+        if method == "Prompt" and self.asks_nobody:
+            self.answered()
 
     def lock(self):
         self.locked = True
         print("locked", flush=True)
 
+    def reuse(self):
+        self.attributes = {"service": "of another program"}
+        print("reused", flush=True)
+
     def answered(self):
         self.locked = False
+        self.has_keyring = True
         path = f"{ROOT}/prompt/p{self.prompts}"
         self.bus.emit_signal(None, path, "org.freedesktop.Secret.Prompt", "Completed",
                              GLib.Variant("(bv)", (False, GLib.Variant("ao", [KEYRING]))))
@@ -94,7 +120,7 @@ class Peer:
 
 
 def main():
-    peer = Peer("without-keyring" not in sys.argv)
+    peer = Peer(sys.argv[1:])
     loop = GLib.MainLoop()
 
     def on_input(channel, condition):
@@ -103,6 +129,8 @@ def main():
             peer.answered()
         elif line == "lock\n":
             peer.lock()
+        elif line == "reuse\n":
+            peer.reuse()
         else:
             loop.quit()
         return bool(line)
