@@ -10,9 +10,15 @@ namespace tavelle::gtk {
 using view::NodeType;
 
 GtkRenderer::GtkRenderer(const Surroundings& surroundings, SetContent setContent, Send send)
-    : surroundings_(surroundings), setContent_(std::move(setContent)), send_(std::move(send)) {}
+    : surroundings_(surroundings),
+      setContent_(std::move(setContent)),
+      send_(std::move(send)),
+      editSource_(makeSource("renderer: edit", [this] { sendEdit(); })) {
+  g_source_set_priority(editSource_.get(), G_PRIORITY_HIGH);  // ahead of whatever the person does next
+}
 
 void GtkRenderer::apply(const view::Batch& batch) {
+  sendEdit();  // or its text would count as older than the batch's
   for (const auto& operation : input_.withoutStaleValues(batch).operations) {
     std::visit([this](const auto& step) { perform(step); }, operation);
   }
@@ -21,8 +27,7 @@ void GtkRenderer::apply(const view::Batch& batch) {
 void GtkRenderer::perform(const view::Create& create) {
   auto& mounted = nodes_[create.node];
   if (mounted.widget) throw view::WireError{"a node was created twice"};
-  mounted.widget =
-      make(create, [this, node = create.node](view::Input input) { send_(input_.stamp(node, std::move(input))); });
+  mounted.widget = make(create, [this, node = create.node](view::Input input) { take(node, std::move(input)); });
   mounted.widget->say(create.attributes);
 }
 
@@ -58,6 +63,19 @@ void GtkRenderer::perform(const view::Remove& remove) {
 void GtkRenderer::forget(view::NodeID node) {
   const auto mounted = nodes_.extract(node);
   for (const auto child : mounted.mapped().children) forget(child);
+}
+
+void GtkRenderer::take(view::NodeID node, view::Input input) {
+  const bool isEdit = std::holds_alternative<view::Edited>(input);
+  if (edit_ && !(isEdit && edit_->node == node)) sendEdit();
+  if (!isEdit) return send_(input_.stamp(node, std::move(input)));
+  edit_ = {node, std::move(input)};
+  g_source_set_ready_time(editSource_.get(), 0);
+}
+
+void GtkRenderer::sendEdit() {
+  g_source_set_ready_time(editSource_.get(), -1);
+  if (auto edit = std::exchange(edit_, std::nullopt)) send_(input_.stamp(edit->node, std::move(edit->input)));
 }
 
 GtkRenderer::Mounted& GtkRenderer::at(view::NodeID node) {

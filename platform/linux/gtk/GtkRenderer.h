@@ -1,16 +1,19 @@
 #pragma once
 
+#include "platform/linux/GSourcePtr.h"
 #include "platform/linux/gtk/Widgets.h"
 #include "view/Renderer.h"
 #include "view/UnseenInput.h"
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <vector>
 
 namespace tavelle::gtk {
 
-// The tree of nodes as widgets.
+// The tree of nodes as widgets. An edit is sent once the toolkit is through with it: it takes a selection out before it
+// puts in what is typed over it, and tells of a text in between that the person never sees.
 class GtkRenderer : public view::Renderer {
  public:
   using Send = std::function<void(const view::Event&)>;
@@ -29,6 +32,11 @@ class GtkRenderer : public view::Renderer {
     WidgetPtr widget;
   };
 
+  struct Edit {
+    view::NodeID node;
+    view::Input input;
+  };
+
   void perform(const view::Create& create);
   void perform(const view::Update& update);
   void perform(const view::Insert& insert);
@@ -40,11 +48,16 @@ class GtkRenderer : public view::Renderer {
   Widget* widgetAt(view::NodeID node);  // null for 0
   void forget(view::NodeID node);
 
+  void take(view::NodeID node, view::Input input);
+  void sendEdit();
+
   const Surroundings surroundings_;
   const SetContent setContent_;
   const Send send_;
   view::UnseenInput input_;
   std::map<view::NodeID, Mounted> nodes_;
+  std::optional<Edit> edit_;  // not sent yet
+  GSourcePtr editSource_;
 };
 
 }  // namespace tavelle::gtk
