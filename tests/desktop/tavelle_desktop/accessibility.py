@@ -32,7 +32,7 @@ def join(desktop):
 
 
 def applications():
-    return list(_children(Atspi.get_desktop(0)))
+    return list(Element(Atspi.get_desktop(0)).children())
 
 
 class Element:
@@ -72,10 +72,16 @@ class Element:
         if not Atspi.Action.do_action(self._accessible, 0):
             raise AssertionError(f"{self.role} {self.name!r} cannot be pressed")
 
+    def children(self):
+        for index in range(self._accessible.get_child_count()):
+            child = self._accessible.get_child_at_index(index)
+            if child:
+                yield Element(child)
+
     def all(self):
         """This and everything in it, from the top."""
         yield self
-        for child in _children(self._accessible):
+        for child in self.children():
             yield from child.all()
 
     def find(self, role, name=None):
@@ -84,10 +90,3 @@ class Element:
             if (element.role == role or (role == "text" and element.role == HIDDEN_TEXT)) and name in (None, element.name):
                 return element
         return None
-
-
-def _children(accessible):
-    for index in range(accessible.get_child_count()):
-        child = accessible.get_child_at_index(index)
-        if child:
-            yield Element(child)

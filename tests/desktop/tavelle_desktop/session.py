@@ -50,7 +50,7 @@ class Desktop:
         self.home = self.folder / "home"
         self.documents = self.home / "documents"
         self.logs = Path(logs) if logs else self.folder / "logs"
-        for folder in (self.home, self.documents, self.folder / "run", self.folder / "services"):
+        for folder in (self.home, self.documents, self.folder / "run", self.folder / "services", self.folder / "tmp"):
             folder.mkdir(mode=0o700)
         self.logs.mkdir(parents=True, exist_ok=True)
         self.processes = Processes(self._clean_environment(), self.logs)
@@ -241,6 +241,7 @@ class Desktop:
         return {
             MARK: str(self.folder), "HOME": str(self.home), "USER": self._person, "LOGNAME": self._person, "SHELL": "/bin/sh",
             "PATH": "/usr/local/bin:/usr/bin:/bin", "LANG": "C.UTF-8", "XDG_RUNTIME_DIR": str(self.folder / "run"),
+            "TMPDIR": str(self.folder / "tmp"),
             "XDG_CONFIG_HOME": str(config), "XDG_DATA_HOME": str(self.home / ".local" / "share"),
             "XDG_CACHE_HOME": str(self.home / ".cache"), "XDG_STATE_HOME": str(self.home / ".local" / "state"),
             "XDG_CONFIG_DIRS": str(self.home / "none"), "XDG_DATA_DIRS": "/usr/local/share:/usr/share",

@@ -231,9 +231,9 @@ class SettingsWindow:
 
     def _frame(self):
         for application in accessibility.applications():
-            frame = application.find("frame", "Tavelle Settings")
-            if frame:
-                return frame
+            for window in application.children():  # no further: others have thousands of elements
+                if (window.role, window.name) == ("frame", "Tavelle Settings"):
+                    return window
         raise GLib.Error("there is no settings window")
 
     @staticmethod
