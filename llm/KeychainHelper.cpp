@@ -17,7 +17,7 @@ std::string KeychainError::errorDescription() const {
 
 void KeychainHelper::save(const std::string& key, const std::string& value) const {
   if (!isUTF8(value)) return;
-  const OSStatus status = keychain_->secItemReplace(itemOf(key), value, KeychainAccessible::whenUnlocked);
+  const OSStatus status = keychain_->replaceItem(itemOf(key), value, KeychainAccessible::whenUnlocked);
   if (status != errSecSuccess) throw KeychainError::saveFailed(status);
 }
 

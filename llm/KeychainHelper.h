@@ -30,8 +30,8 @@ class KeychainHelper {
  public:
   explicit KeychainHelper(Keychain& keychain) : keychain_(&keychain) {}
 
-  // Stores `value` (UTF-8) under account `key`, in place of any earlier item. The earlier one is deleted first, so that
-  // a save that fails leaves none. Throws KeychainError.
+  // Stores `value` (UTF-8) under account `key`, in place of any earlier item. Throws KeychainError: the earlier item is
+  // gone then where the keychain had to delete it first.
   void save(const std::string& key, const std::string& value) const;
 
   // The stored value; none where there is no item, where the keychain does not answer and where the bytes are not

@@ -37,7 +37,7 @@ class Keychain {
 
   // The item has this value, whether there was one or not. What was there is deleted, whatever comes of that, and the
   // item added; a keychain that can change an item does that instead, so that nothing is lost where it fails half way.
-  virtual OSStatus secItemReplace(const KeychainItemQuery& item, const Data& value, KeychainAccessible accessible) {
+  virtual OSStatus replaceItem(const KeychainItemQuery& item, const Data& value, KeychainAccessible accessible) {
     secItemDelete(item);  // "not found" is the usual answer
     return secItemAdd(item, value, accessible);
   }

@@ -38,8 +38,10 @@ BoundedCalls::~BoundedCalls() {
   g_main_context_pop_thread_default(context_);
 }
 
-GSourcePtr BoundedCalls::raiseAfter(std::chrono::milliseconds delay, bool& flag) {
-  return attachTimeout(context_, delay, raise, &flag);
+void BoundedCalls::waitUntil(const std::function<bool()>& isMet, std::chrono::milliseconds limit) {
+  bool isOver = false;
+  const auto timeout = attachTimeout(context_, limit, raise, &isOver);
+  while (!isMet() && !isOver && !isTimeUp()) g_main_context_iteration(context_, true);
 }
 
 GObjectPtr<GAsyncResult> BoundedCalls::finish(std::unique_ptr<Call> call) {

@@ -6,6 +6,7 @@
 #include <gio/gio.h>
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <utility>
 
@@ -35,14 +36,8 @@ class BoundedCalls {
     return finish(std::move(call));
   }
 
-  // Waits for what is noticed on the context, no longer than `limit`. Returns whether it has happened.
-  template <typename Condition>
-  bool waitUntil(const Condition& isMet, std::chrono::milliseconds limit) {
-    bool isOver = false;
-    const auto timeout = raiseAfter(limit, isOver);
-    while (!isMet() && !isOver && !isTimeUp()) g_main_context_iteration(context_, true);
-    return isMet();
-  }
+  // Waits for what is noticed on the context, no longer than `limit`.
+  void waitUntil(const std::function<bool()>& isMet, std::chrono::milliseconds limit);
 
   bool isTimeUp() const { return g_cancellable_is_cancelled(cancellable_.get()); }
 
@@ -52,7 +47,6 @@ class BoundedCalls {
     bool isGivenUp = false;
   };
 
-  GSourcePtr raiseAfter(std::chrono::milliseconds delay, bool& flag);
   GObjectPtr<GAsyncResult> finish(std::unique_ptr<Call> call);
   static void onReady(GObject*, GAsyncResult* result, gpointer call);
 

@@ -13,6 +13,12 @@ namespace {
 // A service that let a call wait for its whole time is likely to do it again, and the caller stands still meanwhile.
 constexpr int patienceAfterSilence = 4;
 
+// The default collection where it is locked; empty otherwise.
+std::string lockedCollection(SecretServiceClient& client) {
+  auto collection = client.defaultCollection();
+  return !collection.empty() && client.isLocked(collection) ? std::move(collection) : "";
+}
+
 }  // namespace
 
 struct SecretServiceKeychain::Connection {
@@ -20,6 +26,7 @@ struct SecretServiceKeychain::Connection {
 
   GObjectPtr<SecretService> service;
   std::optional<SecretPrompt> prompt;  // the last one
+  bool searchesLocked = true;          // some services want to be unlocked first, and answer no search before
 };
 
 SecretServiceKeychain::SecretServiceKeychain(const Limits& limits) : limits_(limits), context_(g_main_context_new()) {}
@@ -42,26 +49,31 @@ OSStatus SecretServiceKeychain::perform(const Operation& operation) {
     try {
       if (isFresh) connection_ = std::make_unique<Connection>(SecretServiceClient::open(calls));
       SecretServiceClient client{calls, connection_->service.get()};
+      if (const auto locked = connection_->searchesLocked ? "" : lockedCollection(client); !locked.empty()) {
+        unlock(client, {locked});
+      }
       const auto status = operation(client);
       wasSilent_ = false;
       return status;
     } catch (const SecretServiceError& error) {
-      if (error.status == errSecInteractionNotAllowed) return error.status;
-      wasSilent_ = calls.isTimeUp();
-      if (wasSilent_ && connection_ && isLocked()) return errSecInteractionNotAllowed;
+      const bool isAnswered = error.status == errSecInteractionNotAllowed;
+      wasSilent_ = !isAnswered && calls.isTimeUp();
+      if (isAnswered) return error.status;
+      if (wasSilent_ && connection_ && isLocked()) {
+        connection_->searchesLocked = wasSilent_ = false;
+        return errSecInteractionNotAllowed;
+      }
       connection_.reset();
       if (isFresh || wasSilent_) return error.status;
     }
   }
 }
 
-// Some services want to be unlocked before they search, and answer no earlier.
 bool SecretServiceKeychain::isLocked() {
   BoundedCalls calls{context_.get(), limits_.question};
   SecretServiceClient client{calls, connection_->service.get()};
   try {
-    const auto collection = client.defaultCollection();
-    return !collection.empty() && client.isLocked(collection);
+    return !lockedCollection(client).empty();
   } catch (const SecretServiceError&) {
     return false;
   }
@@ -119,50 +131,53 @@ OSStatus SecretServiceKeychain::secItemDelete(const KeychainItemQuery& query) {
   return told(perform([&](SecretServiceClient& client) { return remove(client, query); }));
 }
 
-OSStatus SecretServiceKeychain::secItemReplace(const KeychainItemQuery& item, const Data& value, KeychainAccessible) {
-  return told(perform([&](SecretServiceClient& client) { return replace(client, item, value); }));
+OSStatus SecretServiceKeychain::replaceItem(const KeychainItemQuery& item, const Data& value, KeychainAccessible) {
+  return told(perform([&](SecretServiceClient& client) {
+    const bool isThere = forEachItem(client, item, [&](const auto& each) {
+      if (client.secret(each) != value) client.setSecret(each, value);
+    });
+    if (!isThere) create(client, item, value);
+    return errSecSuccess;
+  }));
 }
 
 OSStatus SecretServiceKeychain::add(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value) {
-  // The service would replace the item, or keep two.
   if (!usableItems(client, item).empty()) return errSecDuplicateItem;
-  return create(client, item, value);
-}
-
-OSStatus SecretServiceKeychain::replace(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value) {
-  const auto items = usableItems(client, item);
-  if (items.empty()) return create(client, item, value);
-  for (const auto& each : items) client.setSecret(each, value);
+  create(client, item, value);
   return errSecSuccess;
 }
 
-OSStatus SecretServiceKeychain::create(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value) {
+void SecretServiceKeychain::create(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value) {
   auto collection = client.defaultCollection();
   if (collection.empty()) {
     const auto created = client.createDefaultCollection();
     if (!created.prompt.empty()) ask(client, created.prompt);
     collection = created.prompt.empty() ? created.object : client.defaultCollection();
+    if (collection.empty()) throw SecretServiceError{errSecNotAvailable};
   }
   if (client.isLocked(collection)) unlock(client, {collection});
   const auto created = client.createItem(collection, item, value);
   if (!created.prompt.empty()) ask(client, created.prompt);
-  return errSecSuccess;
 }
 
 OSStatus SecretServiceKeychain::remove(SecretServiceClient& client, const KeychainItemQuery& query) {
-  const auto found = client.search(query);
-  if (found.unlocked.empty() && found.locked.empty()) return errSecItemNotFound;
-  removeAll(client, found.unlocked);
-  if (!found.locked.empty()) unlock(client, found.locked);
-  removeAll(client, found.locked);
-  return errSecSuccess;
-}
-
-void SecretServiceKeychain::removeAll(SecretServiceClient& client, const std::vector<std::string>& items) {
-  for (const auto& item : items) {
+  const bool wasThere = forEachItem(client, query, [&](const auto& item) {
     const auto outcome = client.deleteItem(item);
     if (!outcome.prompt.empty()) ask(client, outcome.prompt);
-  }
+  });
+  return wasThere ? errSecSuccess : errSecItemNotFound;
+}
+
+// Calls `action` with every matching item; the locked ones come last, once the service has unlocked them. Returns
+// whether there are any.
+template <typename Action>
+bool SecretServiceKeychain::forEachItem(SecretServiceClient& client, const KeychainItemQuery& query,
+                                        const Action& action) {
+  const auto found = client.search(query);
+  for (const auto& item : found.unlocked) action(item);
+  if (!found.locked.empty()) unlock(client, found.locked);
+  for (const auto& item : found.locked) action(item);
+  return !found.unlocked.empty() || !found.locked.empty();
 }
 
 // The matching items that are unlocked; where all are locked, these, once the service has unlocked them.
@@ -180,7 +195,7 @@ void SecretServiceKeychain::unlock(SecretServiceClient& client, const std::vecto
   if (!outcome.prompt.empty()) ask(client, outcome.prompt);
 }
 
-// Returns once the service has done what it asks about; throws where that is still the person's to decide. They are
+// Returns once the service has done what it asks about; throws where the person has not agreed, or not yet. They are
 // asked one thing at a time, however often a key is wanted in the meantime.
 void SecretServiceKeychain::ask(SecretServiceClient& client, const std::string& prompt) {
   if (isAsking()) throw SecretServiceError{errSecInteractionNotAllowed};
@@ -192,8 +207,10 @@ void SecretServiceKeychain::ask(SecretServiceClient& client, const std::string& 
   if (!question.isAgreed()) throw SecretServiceError{errSecInteractionNotAllowed};
 }
 
+// A service that has been started anew knows nothing of its predecessor's question.
 bool SecretServiceKeychain::isAsking() const {
-  return connection_->prompt && connection_->prompt->isOpen();
+  const GPtr<> owner{g_dbus_proxy_get_name_owner(G_DBUS_PROXY(connection_->service.get()))};
+  return owner && connection_->prompt && connection_->prompt->isOpen() && connection_->prompt->service() == owner.get();
 }
 
 }  // namespace tavelle

@@ -23,8 +23,8 @@ class SecretServiceClient;
 //
 // Where the service is missing or does not answer in time, the status is errSecNotAvailable. Where the person has to
 // agree first (to unlock or to create a keyring, to let Tavelle have an item, to delete one), it is
-// errSecInteractionNotAllowed: the service's own question is on the screen then, and the call that comes after the
-// answer succeeds.
+// errSecInteractionNotAllowed: the service's own question is on the screen then, or they have just said no, and the
+// call that comes after they agreed succeeds.
 class SecretServiceKeychain : public Keychain {
  public:
   struct Limits {
@@ -51,9 +51,9 @@ class SecretServiceKeychain : public Keychain {
   // Deletes every matching item.
   OSStatus secItemDelete(const KeychainItemQuery& query) override;
 
-  // Changes every matching item where it is: its label, its notes and its other attributes are the person's. A service
-  // may ask before it deletes one, or keep what was deleted in a bin.
-  OSStatus secItemReplace(const KeychainItemQuery& item, const Data& value, KeychainAccessible accessible) override;
+  // Changes every matching item where it is, unless it has that value: its label, its notes and its other attributes
+  // are the person's. A service may ask before it deletes one, or keep what was deleted in a bin.
+  OSStatus replaceItem(const KeychainItemQuery& item, const Data& value, KeychainAccessible accessible) override;
 
   // Reads what was read last once more, because it is about to be wanted: if the next call asks for just that, and
   // soon, it has the value without asking the service. Never asks the person anything, nor has a service do so: some
@@ -83,10 +83,10 @@ class SecretServiceKeychain : public Keychain {
   OSStatus told(OSStatus status);
 
   OSStatus add(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value);
-  OSStatus replace(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value);
-  OSStatus create(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value);
+  void create(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value);
   OSStatus remove(SecretServiceClient& client, const KeychainItemQuery& query);
-  void removeAll(SecretServiceClient& client, const std::vector<std::string>& items);
+  template <typename Action>
+  bool forEachItem(SecretServiceClient& client, const KeychainItemQuery& query, const Action& action);
   std::vector<std::string> usableItems(SecretServiceClient& client, const KeychainItemQuery& query);
   void unlock(SecretServiceClient& client, const std::vector<std::string>& objects);
   void ask(SecretServiceClient& client, const std::string& prompt);

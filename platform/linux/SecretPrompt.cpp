@@ -10,6 +10,7 @@ constexpr std::chrono::minutes longestLife{5};
 
 SecretPrompt::SecretPrompt(GDBusConnection* connection, const char* service, const std::string& path)
     : connection_(G_DBUS_CONNECTION(g_object_ref(connection))),
+      service_(service),
       subscription_(g_dbus_connection_signal_subscribe(connection, service, promptInterface, "Completed", path.c_str(),
                                                        nullptr, G_DBUS_SIGNAL_FLAGS_NONE, &SecretPrompt::onCompleted,
                                                        this, nullptr)),

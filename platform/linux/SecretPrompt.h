@@ -13,7 +13,7 @@ namespace tavelle {
 // nothing. Made and destroyed with the main context pushed on which the answer is to be noticed.
 class SecretPrompt {
  public:
-  // Has the service ask.
+  // Has the service of this unique name ask.
   SecretPrompt(GDBusConnection* connection, const char* service, const std::string& path);
   ~SecretPrompt();
   SecretPrompt(const SecretPrompt&) = delete;
@@ -23,6 +23,8 @@ class SecretPrompt {
   // have lost it.
   bool isOpen() const;
 
+  const std::string& service() const { return service_; }
+
   bool isAgreed() const { return isCompleted_ && !isDismissed_; }
 
  private:
@@ -30,6 +32,7 @@ class SecretPrompt {
                           gpointer self);
 
   GObjectPtr<GDBusConnection> connection_;
+  std::string service_;
   guint subscription_;
   std::chrono::steady_clock::time_point askedAt_;
   bool isCompleted_ = false;

@@ -164,7 +164,7 @@ SecretServiceClient::Outcome SecretServiceClient::createItem(const ObjectPath& c
   g_variant_builder_add(&properties, "{sv}", "org.freedesktop.Secret.Item.Label", g_variant_new_string(label.c_str()));
   g_variant_builder_add(&properties, "{sv}", "org.freedesktop.Secret.Item.Attributes", attributes(item, true));
 
-  auto* arguments = g_variant_new("(a{sv}@(oayays)b)", &properties, encrypted(value), false);
+  auto* arguments = g_variant_new("(a{sv}@(oayays)b)", &properties, encrypted(value), true);
   const auto reply = call(collection, collectionInterface, "CreateItem", arguments, "(oo)");
   return {objectPath(reply.get(), 0), objectPath(reply.get(), 1)};
 }

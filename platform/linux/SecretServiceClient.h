@@ -56,6 +56,7 @@ class SecretServiceClient {
   bool isLocked(const ObjectPath& collection);
   Outcome createDefaultCollection();
 
+  // In place of the one with these attributes, should it have come since it was looked for.
   Outcome createItem(const ObjectPath& collection, const KeychainItemQuery& item, const Data& value);
   Outcome deleteItem(const ObjectPath& item);
   Outcome unlock(const std::vector<ObjectPath>& objects);

@@ -25,6 +25,9 @@ class GtkRenderer : public view::Renderer {
   // Throws view::WireError where the steps do not fit what is there.
   void apply(const view::Batch& batch) override;
 
+  // What the person did so far is sent, where it has not been.
+  void sendEdit();
+
  private:
   struct Mounted {
     view::NodeID parent = 0;
@@ -49,7 +52,6 @@ class GtkRenderer : public view::Renderer {
   void forget(view::NodeID node);
 
   void take(view::NodeID node, view::Input input);
-  void sendEdit();
 
   const Surroundings surroundings_;
   const SetContent setContent_;

@@ -83,6 +83,11 @@ void RendererWindow::perform(const Present& present) {
   g_signal_connect(gtk_widget_get_frame_clock(GTK_WIDGET(window_)), "after-paint", G_CALLBACK(onPainted), this);
 }
 
+void RendererWindow::perform(const Ping& ping) {
+  renderer_.sendEdit();
+  send_(encodeLine(Pong{ping.number}));
+}
+
 void RendererWindow::onPainted(GdkFrameClock* clock, gpointer self) {
   g_signal_handlers_disconnect_by_data(clock, self);
   static_cast<RendererWindow*>(self)->painted();
@@ -107,6 +112,7 @@ void RendererWindow::close() {
   const Closed closed{placeOf(window_)};
   gtk_widget_set_visible(GTK_WIDGET(window_), false);
   answer();  // it has been shown, be it undrawn
+  renderer_.sendEdit();
   send_(encodeLine(closed));
 }
 

@@ -30,7 +30,7 @@ class RendererWindow {
 
   void perform(const view::Batch& batch) { renderer_.apply(batch); }
   void perform(const Present& present);
-  void perform(const Ping& ping) { send_(encodeLine(Pong{ping.number})); }
+  void perform(const Ping& ping);
   void addShortcuts();
   void painted();
   void answer();

@@ -22,7 +22,7 @@ class KeychainContract : public testing::Test {
   }
 
   OSStatus replace(const KeychainItemQuery& query, const Data& value) {
-    return backend_.keychain().secItemReplace(query, value, KeychainAccessible::whenUnlocked);
+    return backend_.keychain().replaceItem(query, value, KeychainAccessible::whenUnlocked);
   }
 
   OSStatus remove(const KeychainItemQuery& query) { return backend_.keychain().secItemDelete(query); }
@@ -109,7 +109,7 @@ TYPED_TEST_P(KeychainContract, takesAnItemAgainAfterItWasDeleted) {
   EXPECT_EQ(this->afterAdding("new"), "new");
 }
 
-TYPED_TEST_P(KeychainContract, replacesAnItemThatThereIsOnlyOneOf) {
+TYPED_TEST_P(KeychainContract, replacesAnItem) {
   EXPECT_EQ(this->add(this->item, "old"), errSecSuccess);
   EXPECT_EQ(this->replace(this->item, "new"), errSecSuccess);
   EXPECT_EQ(this->copy(this->item), errSecSuccess);
@@ -135,7 +135,7 @@ TYPED_TEST_P(KeychainContract, answersOnAnyThread) {
 REGISTER_TYPED_TEST_SUITE_P(KeychainContract, findsNothingThatWasNeverAdded, readsBackWhatWasAdded, keepsAnEmptyValue,
                             keepsAnyBytes, keepsALongValue, refusesASecondItemOfTheSameName,
                             keepsAccountsAndServicesApart, deletesAnItem, saysWhenThereIsNothingToDelete,
-                            takesAnItemAgainAfterItWasDeleted, replacesAnItemThatThereIsOnlyOneOf,
+                            takesAnItemAgainAfterItWasDeleted, replacesAnItem,
                             addsWhereThereIsNothingToReplace, answersOnAnyThread);
 
 }  // namespace tavelle::tests

@@ -11,6 +11,7 @@
 #include <chrono>
 #include <cstring>
 #include <optional>
+#include <regex>
 #include <string>
 
 namespace tavelle::tests {
@@ -32,9 +33,7 @@ struct GnomeKeyringBackend {
 class SecretServiceKeychainTest : public testing::Test {
  protected:
   OSStatus add(const Data& value) { return keychain().secItemAdd(item, value, KeychainAccessible::whenUnlocked); }
-  OSStatus replace(const Data& value) {
-    return keychain().secItemReplace(item, value, KeychainAccessible::whenUnlocked);
-  }
+  OSStatus replace(const Data& value) { return keychain().replaceItem(item, value, KeychainAccessible::whenUnlocked); }
   OSStatus copy() { return keychain().secItemCopyMatching(item, read); }
   OSStatus remove() { return keychain().secItemDelete(item); }
 
@@ -52,8 +51,10 @@ class SecretServiceKeychainTest : public testing::Test {
   const std::vector<std::string> attributes{"service", "app.tavelle.Tavelle", "account", "apiKey_openai"};
   std::optional<Data> read;
 
-  // Of the first item that secret-tool lists.
-  static std::string pathOf(const std::string& listed) { return listed.substr(0, listed.find('\n')); }
+  // What secret-tool lists of items, but when they were made and changed.
+  static std::string withoutDates(const std::string& listed) {
+    return std::regex_replace(listed, std::regex{"(created|modified) = [^\n]*\n"}, "");
+  }
 
   std::vector<std::string> command(std::vector<std::string> words) const {
     words.insert(words.end(), attributes.begin(), attributes.end());
@@ -96,11 +97,18 @@ TEST_F(SecretServiceKeychainTest, replacesTheValueOfAPersonsOwnItemAndNothingEls
   auto mine = command({"store", "--label=my own"});
   mine.insert(mine.end(), {"more", "1"});
   keyring.secretTool(mine, "sk-old");
-  const auto before = keyring.secretTool(command({"search", "--all"}));
+  auto expected = withoutDates(keyring.secretTool(command({"search", "--all"})));
   EXPECT_EQ(replace("sk-new"), errSecSuccess);
-  const auto after = keyring.secretTool(command({"search", "--all"}));
-  EXPECT_NE(after.find("label = my own\nsecret = sk-new\n"), std::string::npos) << after;
-  EXPECT_EQ(pathOf(after), pathOf(before));
+  expected.replace(expected.find("sk-old"), 6, "sk-new");
+  EXPECT_EQ(withoutDates(keyring.secretTool(command({"search", "--all"}))), expected);
+}
+
+TEST_F(SecretServiceKeychainTest, replacesNothingWithoutTellingWhereAMatchingItemIsLocked) {
+  keyring.startUnlocked();
+  EXPECT_EQ(add("sk-added"), errSecSuccess);
+  keyring.secretTool(command({"store", "--label=for now", "--collection=session"}), "sk-stored");
+  keyring.secretTool({"lock", "--collection=login"});
+  EXPECT_EQ(replace("sk-new"), errSecInteractionNotAllowed);
 }
 
 TEST_F(SecretServiceKeychainTest, replacesTheValueOfEveryMatchingItem) {
@@ -285,6 +293,11 @@ class PromptingSecretServiceTest : public SecretServiceKeychainTest {
     ASSERT_TRUE(keyring.bus().waitForOwner("org.freedesktop.secrets"));
   }
 
+  void end() {
+    peer_.reset();
+    keyring.bus().waitForNoOwner("org.freedesktop.secrets");
+  }
+
   // Reads what the service was asked until it was asked that, too.
   void expectAsked(const std::string& method) {
     std::string line;
@@ -344,7 +357,8 @@ TEST_F(PromptingSecretServiceTest, asksThePersonNothingToReadAhead) {
   lock();
   const int searches = timesAsked("SearchItems");
   keychain().readAhead();
-  expectAsked("GetSecret");
+  lock();
+  EXPECT_EQ(timesAsked("GetSecret"), 2);
   EXPECT_EQ(timesAsked("SearchItems"), searches) << "some services ask to be unlocked before they search";
   EXPECT_EQ(timesAsked("Prompt"), 1);
 }
@@ -388,6 +402,16 @@ TEST_F(PromptingSecretServiceTest, asksAgainOnceTheLastQuestionWasAnswered) {
   expectAsked("Delete");
   expectAsked("Prompt");
   EXPECT_EQ(timesAsked("Prompt"), 2);
+}
+
+TEST_F(PromptingSecretServiceTest, asksAgainWhereTheServiceThatAskedHasGone) {
+  start();
+  EXPECT_EQ(copy(), errSecInteractionNotAllowed);
+  expectAsked("Prompt");
+  end();
+  start();
+  EXPECT_EQ(copy(), errSecInteractionNotAllowed);
+  expectAsked("Prompt");
 }
 
 TEST_F(PromptingSecretServiceTest, asksWhetherToMakeAKeyring) {
@@ -435,11 +459,32 @@ TEST_F(AgreeingSecretServiceTest, addsAtOnceToTheKeyringThatItMakes) {
   expectAsked("answered");
 }
 
-// It has asked to be unlocked itself.
-TEST_F(SilentSecretServiceTest, isLockedWhereTheServiceSearchesNothingBeforeItIsUnlocked) {
-  ChildProcess service{{"/usr/bin/python3", TAVELLE_PROMPTING_SERVICE, "unlocked-first"}};
-  ASSERT_TRUE(keyring.bus().waitForOwner("org.freedesktop.secrets"));
+TEST_F(AgreeingSecretServiceTest, takesANoForOne) {
+  start({"declines"});
   EXPECT_EQ(copy(), errSecInteractionNotAllowed);
+  EXPECT_EQ(replace("another"), errSecInteractionNotAllowed);
+  EXPECT_EQ(remove(), errSecInteractionNotAllowed);
+  EXPECT_EQ(read, std::nullopt);
+}
+
+// One that answers no search before it is unlocked, and has asked for that itself.
+class UnlockedFirstTest : public PromptingSecretServiceTest {
+ protected:
+  SecretServiceKeychain& keychain() override { return keychain_; }
+
+ private:
+  SecretServiceKeychain keychain_{{.call = seconds(4), .question = seconds(4)}};
+};
+
+TEST_F(UnlockedFirstTest, isLockedAndAsksToBeUnlockedTheNextTime) {
+  start({"unlocked-first"});
+  EXPECT_EQ(copy(), errSecInteractionNotAllowed);
+  const int searches = timesAsked("SearchItems");
+  EXPECT_EQ(copy(), errSecInteractionNotAllowed);
+  answer();
+  EXPECT_EQ(timesAsked("SearchItems"), searches + 1) << "it is not asked again what it does not answer";
+  EXPECT_EQ(copy(), errSecSuccess);
+  EXPECT_EQ(read, "the secret");
 }
 
 }  // namespace

@@ -34,4 +34,18 @@ bool PrivateBus::waitForOwner(const std::string& name) const {
   return ChildProcess{{"gdbus", "wait", "--session", "--timeout", "10", name}}.wait() == 0;
 }
 
+void PrivateBus::waitForNoOwner(const std::string& name) const {
+  const std::vector<std::string> ask{"gdbus",
+                                     "call",
+                                     "--session",
+                                     "--dest",
+                                     "org.freedesktop.DBus",
+                                     "--object-path",
+                                     "/",
+                                     "--method",
+                                     "org.freedesktop.DBus.NameHasOwner",
+                                     name};
+  while (ChildProcess{ask}.readLine() != "(false,)") continue;
+}
+
 }  // namespace tavelle::tests

@@ -16,6 +16,9 @@ class PrivateBus {
   // Whether the name gets an owner within ten seconds.
   bool waitForOwner(const std::string& name) const;
 
+  // Until the bus has noticed that the owner has gone.
+  void waitForNoOwner(const std::string& name) const;
+
  private:
   TemporaryFolder folder_;
   std::string configuration_;

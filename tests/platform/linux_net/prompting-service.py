@@ -4,7 +4,7 @@ is the person's answer, after which the keyring is unlocked; "lock" locks it aga
 of the one there was. Secrets cross in the clear.
 
 Its arguments: with "without-keyring" there is no keyring at all until the person has agreed to one; with "asks-nobody" it answers its own
-questions; with "unlocked-first" it answers no search before it is unlocked."""
+questions, and with "declines" it does so with a no; with "unlocked-first" it answers no search before it is unlocked."""
 
 import sys
 
@@ -42,6 +42,7 @@ ATTRIBUTES = {"service": "app.tavelle.Tavelle", "account": "apiKey_openai", "xdg
 class Peer:
     def __init__(self, manners):
         self.has_keyring = "without-keyring" not in manners
+        self.declines = "declines" in manners
         self.asks_nobody = "asks-nobody" in manners
         self.unlocked_first = "unlocked-first" in manners
         self.attributes = ATTRIBUTES
@@ -98,7 +99,9 @@ class Peer:
         else:
             reply = None
         invocation.return_value(reply)
-        if method == "Prompt" and self.asks_nobody:
+        if method == "Prompt" and self.declines:
+            self.complete(True)
+        elif method == "Prompt" and self.asks_nobody:
             self.answered()
 
     def lock(self):
@@ -112,9 +115,12 @@ class Peer:
     def answered(self):
         self.locked = False
         self.has_keyring = True
+        self.complete(False)
+
+    def complete(self, dismissed):
         path = f"{ROOT}/prompt/p{self.prompts}"
         self.bus.emit_signal(None, path, "org.freedesktop.Secret.Prompt", "Completed",
-                             GLib.Variant("(bv)", (False, GLib.Variant("ao", [KEYRING]))))
+                             GLib.Variant("(bv)", (dismissed, GLib.Variant("ao", [KEYRING]))))
         self.bus.flush_sync()
         print("answered", flush=True)
 
