@@ -24,6 +24,9 @@ target_compile_options(tavelle_options INTERFACE
   $<$<NOT:$<COMPILE_LANGUAGE:C>>:-Wnon-virtual-dtor$<SEMICOLON>-Woverloaded-virtual>
   # Symmetric transfer between coroutines needs the tail call in debug builds too, or a long loop of awaits grows the stack.
   -foptimize-sibling-calls)
+if(APPLE)
+  target_compile_options(tavelle_options INTERFACE $<$<COMPILE_LANGUAGE:OBJCXX>:-fobjc-arc> -Wunguarded-availability)
+endif()
 target_include_directories(tavelle_options INTERFACE ${PROJECT_SOURCE_DIR})
 # The program waits nearly all its life: what counts of its code is how much of it is in memory.
 target_compile_options(tavelle_options INTERFACE $<$<CONFIG:MinSizeRel>:-ffunction-sections -fdata-sections>)

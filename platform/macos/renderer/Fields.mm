@@ -17,6 +17,9 @@ class TextField : public Widget {
         action_([[TavelleAction alloc]
             initWithFunction:[this, send = std::move(send)] { send(view::Edited{utf8(field_.stringValue)}); }]) {
     field_.delegate = action_;
+    // What is longer than the field scrolls, where a field wraps by itself and shows the first line only.
+    field_.usesSingleLineMode = YES;
+    field_.lineBreakMode = NSLineBreakByClipping;
     [stack_ insertArrangedSubview:title_ atIndex:0];
     [stack_ insertArrangedSubview:field_ atIndex:1];
     [field_ setContentHuggingPriority:1 forOrientation:NSLayoutConstraintOrientationHorizontal];
@@ -54,6 +57,8 @@ class TextEditor : public Widget {
     text_.automaticQuoteSubstitutionEnabled = NO;
     text_.automaticDashSubstitutionEnabled = NO;
     text_.automaticTextReplacementEnabled = NO;
+    text_.automaticSpellingCorrectionEnabled = NO;
+    text_.smartInsertDeleteEnabled = NO;
   }
 
   NSView* view() const override { return scroll_; }
@@ -65,11 +70,17 @@ class TextEditor : public Widget {
                              : [NSFont systemFontOfSize:NSFont.systemFontSize];
     if (text_.font != font) text_.font = font;
     NSString* const value = words(Attribute::value);
-    if (![text_.string isEqualToString:value]) text_.string = value;
+    if (![text_.string isEqualToString:value]) show(value);
     updateSize();
   }
 
  private:
+  // What can be undone is of the text that was there.
+  void show(NSString* value) {
+    text_.string = value;
+    [text_.undoManager removeAllActions];
+  }
+
   NSScrollView* scroll_;
   NSTextView* text_;
   TavelleAction* action_;

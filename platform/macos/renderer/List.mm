@@ -66,6 +66,7 @@ class List : public Widget {
 
   void arrange() override {
     isUpdating_ = true;
+    [table_ sizeLastColumnToFit];
     [table_ reloadData];
     isUpdating_ = false;
     select();

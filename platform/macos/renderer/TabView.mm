@@ -49,7 +49,10 @@ class TabView : public Widget {
  public:
   TabView(NSWindow* window, Send send) : window_(window) {
     tabs_->makeItem = [this](NSToolbarItemIdentifier tag) { return makeItem(tag); };
-    tabs_->chosen = [send = std::move(send)](NSToolbarItemIdentifier tag) { send(view::Selected{utf8(tag)}); };
+    tabs_->chosen = [this, send = std::move(send)](NSToolbarItemIdentifier tag) {
+      send(view::Selected{utf8(tag)});
+      update();
+    };
     window_.toolbarStyle = NSWindowToolbarStylePreference;
   }
 

@@ -55,8 +55,6 @@ class Widget {
   NSLayoutConstraint* maximumWidth_ = nil;
 };
 
-std::unique_ptr<Widget> makeWidget(view::NodeType type, Send send);
-
 // Views that several widgets are made of.
 NSStackView* makeStack(NSUserInterfaceLayoutOrientation orientation, CGFloat spacing);
 NSTextField* makeLabel();

@@ -21,6 +21,7 @@ NS_ASSUME_NONNULL_BEGIN
 @end
 
 @interface NSResponder : NSObject
+@property(nullable, readonly, strong) NSUndoManager* undoManager;
 @end
 
 @interface NSApplication : NSResponder
@@ -180,6 +181,7 @@ APPKIT_EXTERN const NSFontWeight NSFontWeightRegular;
 typedef enum NSControlSize : NSUInteger { NSControlSizeRegular = 0, NSControlSizeSmall = 1 } NSControlSize;
 typedef enum NSLineBreakMode : NSUInteger {
   NSLineBreakByWordWrapping = 0,
+  NSLineBreakByClipping = 2,
   NSLineBreakByTruncatingTail = 4
 } NSLineBreakMode;
 typedef enum NSTextAlignment : NSInteger {
@@ -199,6 +201,7 @@ typedef enum NSTextAlignment : NSInteger {
 @property(nullable, strong) NSFont* font;
 @property NSTextAlignment alignment;
 @property NSLineBreakMode lineBreakMode;
+@property BOOL usesSingleLineMode;
 @property(copy) NSString* stringValue;
 @property double doubleValue;
 @end
@@ -242,6 +245,8 @@ typedef enum NSTextAlignment : NSInteger {
 @property(getter=isAutomaticQuoteSubstitutionEnabled) BOOL automaticQuoteSubstitutionEnabled;
 @property(getter=isAutomaticDashSubstitutionEnabled) BOOL automaticDashSubstitutionEnabled;
 @property(getter=isAutomaticTextReplacementEnabled) BOOL automaticTextReplacementEnabled;
+@property(getter=isAutomaticSpellingCorrectionEnabled) BOOL automaticSpellingCorrectionEnabled;
+@property BOOL smartInsertDeleteEnabled;
 @end
 
 typedef enum NSImageScaling : NSUInteger { NSImageScaleProportionallyUpOrDown = 3 } NSImageScaling;
@@ -303,6 +308,7 @@ typedef NSString* NSUserInterfaceItemIdentifier;
 @property BOOL allowsEmptySelection;
 @property(readonly) NSInteger selectedRow;
 - (void)addTableColumn:(NSTableColumn*)column;
+- (void)sizeLastColumnToFit;
 - (void)reloadData;
 - (void)selectRowIndexes:(NSIndexSet*)rows byExtendingSelection:(BOOL)extends;
 @end

@@ -110,6 +110,10 @@ enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
 @property(nullable, readonly, strong) id object;
 @end
 
+@interface NSUndoManager : NSObject
+- (void)removeAllActions;
+@end
+
 // The bundle and the defaults
 
 @interface NSBundle : NSObject

@@ -20,7 +20,10 @@ KINDS = {
 
 
 class Bindings:
-    def __init__(self, file=FILE):
+    """As they are on one processor: some values differ."""
+
+    def __init__(self, processor="arm64", file=FILE):
+        self.processor = processor
         data = json.loads(file.read_text())
         self.origin = data["origin"]
         self.classes = data["classes"]
@@ -52,7 +55,10 @@ class Bindings:
         """The value of a constant, which may be written in terms of others."""
         if name not in self.constants:
             return None
-        text = re.sub(r"^Self\((.*)\)$", r"\1", self.constants[name])
+        text = self.constants[name]
+        if isinstance(text, dict):
+            text = text[self.processor]
+        text = re.sub(r"^Self\((.*)\)$", r"\1", text)
         text = re.sub(r"(\w+)::(\w+)\.0", r"\1\2", text)  # of another enumeration
         text = re.sub(r"\b[A-Za-z_]\w*\b", lambda word: self.substitute(word[0]), text)
         if not re.fullmatch(r"[\d.x<>|+() a-fA-F-]+", text):

@@ -11,7 +11,7 @@ import declared
 
 
 def faults(declarations=declared.DECLARATIONS, processor="arm64"):
-    return list(check.faults(declared.read(declarations, processor), bindings.Bindings()))
+    return list(check.faults(declared.read(declarations, processor), bindings.Bindings(processor)))
 
 
 class DeclarationsTest(unittest.TestCase):
@@ -19,7 +19,7 @@ class DeclarationsTest(unittest.TestCase):
         for processor in ("arm64", "x86_64"):
             ours = declared.read(processor=processor)
             self.assertTrue(ours.methods and ours.functions and ours.variables and ours.constants)
-            self.assertEqual(list(check.faults(ours, bindings.Bindings())), [])
+            self.assertEqual(list(check.faults(ours, bindings.Bindings(processor))), [])
 
     def test_no_declaration_went_unread(self):
         """Every selector, function and constant of the headers, found by their spelling, was compared."""
@@ -40,13 +40,17 @@ class PlantedFaultTest(unittest.TestCase):
         self.declarations = Path(self.folder.name) / "declarations"
         shutil.copytree(declared.DECLARATIONS, self.declarations)
 
-    def planted(self, framework, right, wrong):
+    def planted(self, framework, right, wrong, processors=("arm64",)):
         """The faults that are found where `right` was written `wrong`."""
         header = self.declarations / framework / f"{framework}.h"
         text = header.read_text()
         self.assertEqual(text.count(right), 1, right)
         header.write_text(text.replace(right, wrong))
-        return faults(self.declarations)
+        return [fault for processor in processors for fault in faults(self.declarations, processor)]
+
+    def test_a_value_that_differs_by_processor_is_refused_where_it_is_wrong(self):
+        self.assertEqual(self.planted("AppKit", "NSTextAlignmentCenter = 1\n", "NSTextAlignmentCenter = 2\n",
+                                      ("arm64", "x86_64")), ["NSTextAlignmentCenter: is 2, not 1"])
 
     def test_a_wrong_selector_is_refused(self):
         self.assertEqual(self.planted("Foundation", "andSelector:(SEL)", "withSelector:(SEL)"),
