@@ -40,12 +40,12 @@ LLMProvider loadProvider(const UserDefaults& defaults) {
   return (stored ? LLMProvider::fromRawValue(*stored) : std::nullopt).value_or(LLMProvider::openAI);
 }
 
-// A number without a fraction, however it was stored.
+// A number without a fraction that 64 bits hold, however it was stored.
 std::optional<std::int64_t> storedWholeNumber(const UserDefaults& defaults, const char* key) {
   if (const auto whole = storedValue<std::int64_t>(defaults, key)) return whole;
   const auto number = storedValue<double>(defaults, key);
-  constexpr double largest = 9007199254740992.0;  // 2^53
-  if (!number || std::abs(*number) > largest || std::trunc(*number) != *number) return std::nullopt;
+  constexpr double limit = 9223372036854775808.0;  // 2^63
+  if (!number || !(*number >= -limit && *number < limit) || std::trunc(*number) != *number) return std::nullopt;
   return static_cast<std::int64_t>(*number);
 }
 

@@ -130,16 +130,23 @@ std::optional<std::size_t> GeneralSettingsTab::selectedIndex() const {
 
 // Through the place that the profile has now: it must be asked for again whenever the list changes.
 Binding<std::string> GeneralSettingsTab::binding(std::size_t index, std::string RewriteProfile::*field) {
-  return {[this, index, field] { return settings_.profiles().at(index).*field; },
+  return {[this, index, field] {
+            requireProfile(index);
+            return settings_.profiles()[index].*field;
+          },
           [this, index, field](std::string value) {
             change(index, [&](RewriteProfile& profile) { profile.*field = std::move(value); });
           }};
 }
 
+void GeneralSettingsTab::requireProfile(std::size_t index) const {
+  if (index >= settings_.profiles().size()) fatalError("a field of the settings is bound to a profile that is gone");
+}
+
 // One change, one store.
 void GeneralSettingsTab::change(std::size_t index, const std::function<void(RewriteProfile&)>& edit) {
+  requireProfile(index);
   auto profiles = settings_.profiles();
-  if (index >= profiles.size()) fatalError("a field of the settings is bound to a profile that is gone");
   edit(profiles[index]);
   settings_.setProfiles(std::move(profiles));
 }

@@ -39,6 +39,7 @@ class GeneralSettingsTab : public view::Component {
   bool canRemoveProfile() const;
   std::optional<std::size_t> selectedIndex() const;
   view::Binding<std::string> binding(std::size_t index, std::string RewriteProfile::*field);
+  void requireProfile(std::size_t index) const;
   void change(std::size_t index, const std::function<void(RewriteProfile&)>& edit);
   void recordHotkey(const view::KeyDown& event);
   static void grantAccess();

@@ -42,6 +42,7 @@ OSStatus FakeCarbonEvents::registerEventHotKey(std::uint32_t keyCode, std::uint3
     return known.second.keyCode == keyCode && known.second.modifiers == modifiers;
   });
   if (isOurs || taken.contains(keyCode)) return eventHotKeyExistsErr;
+  if (withoutReference.contains(keyCode)) return noErr;
   *out = refOf<EventHotKeyRef>(nextRef_++);
   hotKeys_.emplace(*out, HotKey{keyCode, modifiers, id, options});
   return noErr;
@@ -69,7 +70,10 @@ OSStatus FakeCarbonEvents::getEventParameter(EventRef event, std::uint32_t name,
 OSStatus FakeCarbonEvents::press(std::uint32_t id) {
   const auto all = registered();
   const auto pressed = all.find(id);
-  auto hotkey = pressed == all.end() ? EventHotKeyID{.signature = 0, .id = id} : pressed->second.id;
+  return press(pressed == all.end() ? EventHotKeyID{.signature = 0, .id = id} : pressed->second.id);
+}
+
+OSStatus FakeCarbonEvents::press(EventHotKeyID hotkey) {
   return handler_(nullptr, reinterpret_cast<EventRef>(&hotkey), handlerUserData);
 }
 

@@ -35,6 +35,7 @@ class FakeCarbonEvents : public CarbonEvents {
 
   // Delivers a press of hotkey number `id` to the installed handler, and returns the handler's status.
   OSStatus press(std::uint32_t id);
+  OSStatus press(EventHotKeyID hotkey);
   // Calls the handler with no event at all.
   OSStatus callHandlerWithoutEvent();
 
@@ -43,6 +44,8 @@ class FakeCarbonEvents : public CarbonEvents {
 
   // Key codes that another program holds.
   std::set<std::uint32_t> taken;
+  // Key codes for which no reference comes back, though nothing went wrong.
+  std::set<std::uint32_t> withoutReference;
   OSStatus installStatus = noErr;
   OSStatus parameterStatus = noErr;
   int installedHandlers = 0;

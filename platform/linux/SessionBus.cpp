@@ -1,8 +1,20 @@
 #include "platform/linux/SessionBus.h"
 
+#include <cstdio>
 #include <utility>
 
 namespace tavelle {
+namespace {
+
+void tellThatItHasGone() {
+  std::fputs(
+      "Tavelle: the session bus has gone: until Tavelle is started again there are no notifications, no icon in the "
+      "panel "
+      "and no API keys\n",
+      stderr);
+}
+
+}  // namespace
 
 SessionBus::SessionBus(GObjectPtr<GDBusConnection> connection) : isKnown_(true), connection_(std::move(connection)) {}
 
@@ -10,7 +22,9 @@ void SessionBus::adopt(GDBusConnection* connection) {
   isKnown_ = true;
   connection_.reset(connection ? G_DBUS_CONNECTION(g_object_ref(connection)) : nullptr);
   // GIO would end the process with the bus, and with it the hotkeys and the clipboard's contents, which need no bus.
-  if (connection) g_dbus_connection_set_exit_on_close(connection, false);
+  if (!connection) return;
+  g_dbus_connection_set_exit_on_close(connection, false);
+  g_signal_connect(connection, "closed", G_CALLBACK(tellThatItHasGone), nullptr);
 }
 
 GDBusConnection* SessionBus::connection() {

@@ -7,7 +7,7 @@
 namespace tavelle {
 
 // The program's one connection to the session bus. The bus may be missing, and may go away at any time: the connection
-// is then closed, and calls on it fail. Neither ends the process. Main thread only.
+// is then closed, which is told once, and calls on it fail. Neither ends the process. Main thread only.
 class SessionBus {
  public:
   // Connects when the connection is first asked for.

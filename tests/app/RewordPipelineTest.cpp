@@ -308,14 +308,16 @@ TEST_F(RewordPipelineTest, touchesNothingMoreOnceThePersonQuitsInAWait) {
   EXPECT_EQ(platform.pasteboard.contents, before);
 }
 
-TEST_F(RewordPipelineTest, isReadyForTheNextRunBeforeItSaysThatNothingIsSelectedAndAfterItSaysDone) {
+TEST_F(RewordPipelineTest, isReadyForTheNextRunBeforeItSaysThatNothingIsSelectedAndAfterItSaysDoneOrAnError) {
   std::vector<bool> processing;
   platform.notifications.onAdd = [&] { processing.push_back(app->isProcessing()); };
   answerWith("x");
   run();
+  platform.network.answer(429, "slow down");
+  run();
   selection.reset();
   run();
-  EXPECT_THAT(processing, ElementsAre(true, true, false));
+  EXPECT_THAT(processing, ElementsAre(true, true, true, true, false));
 }
 
 TEST_F(RewordPipelineTest, offersTheFirstProfileInTheMenu) {

@@ -36,6 +36,10 @@ class Window(SettingsWindowTest):
             content = self.settings.content_place()
             self.assertEqual((content.width, content.height), (480, 500), tab)
 
+    def test_its_size_cannot_be_changed(self):
+        self.settings.open()
+        self.assertFalse(self.desktop.screen.is_resizable(self.settings.window))
+
     def test_closed_and_opened_again_it_stands_where_it_stood_on_the_same_tab(self):
         self.settings.open()
         self.settings.choose_tab("Provider")

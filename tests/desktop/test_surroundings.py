@@ -80,6 +80,7 @@ class SessionBus(DesktopTest):
             self.assertEqual(app.wait_for_paste(number, within=20), reworded(TEXT))
             self.wait_for_clipboard()
         self.assertTrue(self.tavelle.runs(), self.tavelle.output())
+        self.assertEqual(self.tavelle.output().count("Tavelle: the session bus has gone"), 1)
 
     def test_it_starts_and_works_without_a_session_bus(self):
         self.configure_tavelle()

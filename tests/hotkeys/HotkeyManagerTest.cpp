@@ -49,6 +49,14 @@ TEST_F(HotkeyManagerTest, givesANumberToAKeyThatCannotBeHadAndGoesOn) {
   EXPECT_THAT(hotkeys.registeredHotkeys(), ElementsAre(Key(1), Key(3)));
 }
 
+TEST_F(HotkeyManagerTest, countsARegistrationWithoutAReferenceAsFailed) {
+  platform.hotKeys.withoutReference = {1};
+  testing::internal::CaptureStdout();
+  hotkeys.registerAll({profileWithKey(1, "First"), profileWithKey(2)});
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "Failed to register hotkey for profile 'First': 0\n");
+  EXPECT_THAT(hotkeys.registeredHotkeys(), ElementsAre(Key(2)));
+}
+
 TEST_F(HotkeyManagerTest, givesNoNumberToAProfileWithoutAKey) {
   const auto last = profileWithKey(3);
   hotkeys.registerAll({profileWithKey(1), profileWithKey(0), last});
@@ -106,6 +114,14 @@ TEST_F(HotkeyManagerTest, reportsAPressAsItsProfileOnALaterTurn) {
   EXPECT_THAT(pressed, IsEmpty());
   platform.loop.runUntilIdle();
   EXPECT_THAT(pressed, ElementsAre(second.id));
+}
+
+TEST_F(HotkeyManagerTest, goesByTheNumberOfAPressWhateverItsSignature) {
+  const auto profile = profileWithKey(1);
+  hotkeys.registerAll({profile});
+  platform.hotKeys.press(EventHotKeyID{.signature = 0x41424344, .id = 1});
+  platform.loop.runUntilIdle();
+  EXPECT_THAT(pressed, ElementsAre(profile.id));
 }
 
 TEST_F(HotkeyManagerTest, dropsAPressWhoseNumberIsRegisteredNoMore) {

@@ -5,6 +5,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -75,6 +77,13 @@ TEST_F(SettingsManagerTest, takesAnOldValueThatIsWholeHoweverItWasStored) {
   EXPECT_EQ(load().profiles()[0].keyCode, 2);
 }
 
+TEST_F(SettingsManagerTest, takesDefaultsForOldNumbersThatNoWholeNumberHolds) {
+  for (const double number : {1e19, -1e19, std::numeric_limits<double>::infinity(), std::nan("")}) {
+    defaults.values = {{"hotkeyKeyCode", number}};
+    EXPECT_EQ(load().profiles()[0].keyCode, 15) << number;
+  }
+}
+
 TEST_F(SettingsManagerTest, takesTheLargestOldValues) {
   defaults.values = {{"hotkeyKeyCode", std::int64_t{4294967295}}, {"hotkeyModifiers", std::int64_t{0}}};
   EXPECT_EQ(load().profiles()[0].keyCode, 4294967295);
@@ -87,6 +96,8 @@ TEST_F(SettingsManagerDeathTest, endsTheProcessOnOldValuesOutOfRange) {
   EXPECT_DEATH(load(), "\"hotkeyKeyCode\" is out of range: -1");
   defaults.values = {{"hotkeyModifiers", std::int64_t{4294967296}}};
   EXPECT_DEATH(load(), "\"hotkeyModifiers\" is out of range: 4294967296");
+  defaults.values = {{"hotkeyKeyCode", 1e16}};
+  EXPECT_DEATH(load(), "\"hotkeyKeyCode\" is out of range: 10000000000000000");
 }
 
 TEST_F(SettingsManagerTest, treatsAnEmptyListLikeNoList) {

@@ -1,4 +1,5 @@
 #include "view/KeyCaptureView.h"
+#include "view/KeyDownListener.h"
 
 #include "tests/view/ViewFixture.h"
 
@@ -32,6 +33,18 @@ TEST_F(KeyCaptureViewTest, startsDisabledWithoutHandlerAndMonitor) {
   EXPECT_FALSE(fresh.isEnabled);
   EXPECT_FALSE(fresh.handler);
   EXPECT_FALSE(fresh.monitor);
+}
+
+TEST_F(KeyCaptureViewTest, isEnabledByTheFirstUpdateOfItsListenerAndNotBefore) {
+  KeyDownListener listener{true, [this](const KeyDown& event) { captured.push_back(event); }};
+  const auto made = listener.makeView();
+  EXPECT_FALSE(made->isEnabled);
+  made->handler(commandShiftR);
+  listener.handler = nullptr;
+  listener.updateView(*made);
+  EXPECT_TRUE(made->isEnabled);
+  EXPECT_FALSE(made->handler);
+  EXPECT_THAT(captured, ElementsAre(commandShiftR));
 }
 
 TEST_F(KeyCaptureViewTest, letsTypingPassWhileItIsDisabled) {

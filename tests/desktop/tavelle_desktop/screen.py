@@ -4,7 +4,7 @@ import re
 from contextlib import contextmanager
 from dataclasses import dataclass
 
-from Xlib import X, display, error
+from Xlib import X, Xutil, display, error
 from Xlib.protocol import event
 
 from .keyboard import close_display
@@ -106,6 +106,12 @@ class Screen:
         geometry = window.get_geometry()
         corner = self._root.translate_coords(window, 0, 0)
         return Rectangle(corner.x, corner.y, geometry.width, geometry.height)
+
+    def is_resizable(self, window):
+        """Whether its program lets a window manager change its size."""
+        hints = window.get_wm_normal_hints()
+        fixed = Xutil.PMinSize | Xutil.PMaxSize
+        return hints.flags & fixed != fixed or (hints.min_width, hints.min_height) != (hints.max_width, hints.max_height)
 
     def pixels(self, window):
         geometry = window.get_geometry()
