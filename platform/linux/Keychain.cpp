@@ -26,7 +26,7 @@ struct SecretServiceKeychain::Connection {
 
   GObjectPtr<SecretService> service;
   std::optional<SecretPrompt> prompt;  // the last one
-  bool searchesLocked = true;          // some services want to be unlocked first, and answer no search before
+  bool searchesLocked = true;          // whether it answers a search before it is unlocked
 };
 
 SecretServiceKeychain::SecretServiceKeychain(const Limits& limits) : limits_(limits), context_(g_main_context_new()) {}
@@ -49,20 +49,12 @@ OSStatus SecretServiceKeychain::perform(const Operation& operation) {
     try {
       if (isFresh) connection_ = std::make_unique<Connection>(SecretServiceClient::open(calls));
       SecretServiceClient client{calls, connection_->service.get()};
-      if (const auto locked = connection_->searchesLocked ? "" : lockedCollection(client); !locked.empty()) {
-        unlock(client, {locked});
-      }
       const auto status = operation(client);
       wasSilent_ = false;
       return status;
     } catch (const SecretServiceError& error) {
-      const bool isAnswered = error.status == errSecInteractionNotAllowed;
-      wasSilent_ = !isAnswered && calls.isTimeUp();
-      if (isAnswered) return error.status;
-      if (wasSilent_ && connection_ && isLocked()) {
-        connection_->searchesLocked = wasSilent_ = false;
-        return errSecInteractionNotAllowed;
-      }
+      wasSilent_ = error.status != errSecInteractionNotAllowed && calls.isTimeUp();
+      if (error.status == errSecInteractionNotAllowed) return error.status;
       connection_.reset();
       if (isFresh || wasSilent_) return error.status;
     }
@@ -101,7 +93,7 @@ OSStatus SecretServiceKeychain::secItemCopyMatching(const KeychainItemQuery& que
     const auto items = usableItems(client, query);
     if (items.empty()) return errSecItemNotFound;
     value = client.secret(items.front());
-    readLast_ = {query, items.front()};
+    readLast_ = {query, items.front(), std::hash<Data>{}(*value)};
     return errSecSuccess;
   }));
 }
@@ -134,7 +126,9 @@ OSStatus SecretServiceKeychain::secItemDelete(const KeychainItemQuery& query) {
 OSStatus SecretServiceKeychain::replaceItem(const KeychainItemQuery& item, const Data& value, KeychainAccessible) {
   return told(perform([&](SecretServiceClient& client) {
     const bool isThere = forEachItem(client, item, [&](const auto& each) {
-      if (client.secret(each) != value) client.setSecret(each, value);
+      // What has just been read may stand there in other words, as a reference to another entry.
+      const bool isKnown = readLast_ && readLast_->item == each && readLast_->value == std::hash<Data>{}(value);
+      if (!isKnown) client.setSecret(each, value);
     });
     if (!isThere) create(client, item, value);
     return errSecSuccess;
@@ -168,14 +162,13 @@ OSStatus SecretServiceKeychain::remove(SecretServiceClient& client, const Keycha
   return wasThere ? errSecSuccess : errSecItemNotFound;
 }
 
-// Calls `action` with every matching item; the locked ones come last, once the service has unlocked them. Returns
-// whether there are any.
+// Calls `action` with every matching item, once all are unlocked. Returns whether there are any.
 template <typename Action>
 bool SecretServiceKeychain::forEachItem(SecretServiceClient& client, const KeychainItemQuery& query,
                                         const Action& action) {
-  const auto found = client.search(query);
-  for (const auto& item : found.unlocked) action(item);
+  const auto found = search(client, query);
   if (!found.locked.empty()) unlock(client, found.locked);
+  for (const auto& item : found.unlocked) action(item);
   for (const auto& item : found.locked) action(item);
   return !found.unlocked.empty() || !found.locked.empty();
 }
@@ -183,10 +176,25 @@ bool SecretServiceKeychain::forEachItem(SecretServiceClient& client, const Keych
 // The matching items that are unlocked; where all are locked, these, once the service has unlocked them.
 std::vector<std::string> SecretServiceKeychain::usableItems(SecretServiceClient& client,
                                                             const KeychainItemQuery& query) {
-  auto found = client.search(query);
+  auto found = search(client, query);
   if (!found.unlocked.empty() || found.locked.empty()) return std::move(found.unlocked);
   unlock(client, found.locked);
   return std::move(found.locked);
+}
+
+// Some services want to be unlocked before they search, ask for that themselves, and answer no earlier. They are given
+// the time of one call to show it; from then on they are asked to unlock first.
+SecretItems SecretServiceKeychain::search(SecretServiceClient& client, const KeychainItemQuery& query) {
+  if (!connection_->searchesLocked) {
+    if (const auto locked = lockedCollection(client); !locked.empty()) unlock(client, {locked});
+  }
+  try {
+    return client.search(query);
+  } catch (const SecretServiceError&) {
+    connection_->searchesLocked = !client.calls().isTimeUp() || !isLocked();
+    if (!connection_->searchesLocked) throw SecretServiceError{errSecInteractionNotAllowed};
+    throw;
+  }
 }
 
 void SecretServiceKeychain::unlock(SecretServiceClient& client, const std::vector<std::string>& objects) {

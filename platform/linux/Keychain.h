@@ -13,8 +13,8 @@
 
 namespace tavelle {
 
-class SecretPrompt;
 class SecretServiceClient;
+struct SecretItems;
 
 // The keychain on the Secret Service. Items have the attributes `service` and `account`; new ones go into the default
 // collection. What secret-tool stores under these attributes is found:
@@ -51,8 +51,8 @@ class SecretServiceKeychain : public Keychain {
   // Deletes every matching item.
   OSStatus secItemDelete(const KeychainItemQuery& query) override;
 
-  // Changes every matching item where it is, unless it has that value: its label, its notes and its other attributes
-  // are the person's. A service may ask before it deletes one, or keep what was deleted in a bin.
+  // Changes every matching item where it is, unless it was just read and had that value: its label, its notes and its
+  // other attributes are the person's. A service may ask before it deletes one, or keep what was deleted in a bin.
   OSStatus replaceItem(const KeychainItemQuery& item, const Data& value, KeychainAccessible accessible) override;
 
   // Reads what was read last once more, because it is about to be wanted: if the next call asks for just that, and
@@ -67,7 +67,8 @@ class SecretServiceKeychain : public Keychain {
 
   struct Reading {
     KeychainItemQuery query;
-    std::string item;  // its object path
+    std::string item;   // its object path
+    std::size_t value;  // hashed: nobody needs the key itself any more
   };
 
   struct ValueAhead {
@@ -83,6 +84,7 @@ class SecretServiceKeychain : public Keychain {
   OSStatus told(OSStatus status);
 
   OSStatus add(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value);
+  SecretItems search(SecretServiceClient& client, const KeychainItemQuery& query);
   void create(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value);
   OSStatus remove(SecretServiceClient& client, const KeychainItemQuery& query);
   template <typename Action>

@@ -96,7 +96,7 @@ GVariantPtr SecretServiceClient::call(const ObjectPath& object, const char* inte
   return reply;
 }
 
-SecretServiceClient::Items SecretServiceClient::search(const KeychainItemQuery& query) {
+SecretItems SecretServiceClient::search(const KeychainItemQuery& query) {
   const auto reply =
       call(servicePath, serviceInterface, "SearchItems", g_variant_new("(@a{ss})", attributes(query, false)), "(aoao)");
   return {objectPaths(reply.get(), 0), objectPaths(reply.get(), 1)};

@@ -19,17 +19,18 @@ struct SecretServiceError {
   OSStatus status;
 };
 
+// What a search found: object paths.
+struct SecretItems {
+  std::vector<std::string> unlocked;
+  std::vector<std::string> locked;
+};
+
 // The calls of the Secret Service that a keychain is made of (specifications.freedesktop.org/secret-service). libsecret
 // keeps the session, in which secrets cross the bus encrypted. Every call throws SecretServiceError, when the time is
 // up too.
 class SecretServiceClient {
  public:
   using ObjectPath = std::string;
-
-  struct Items {
-    std::vector<ObjectPath> unlocked;
-    std::vector<ObjectPath> locked;
-  };
 
   // What a call came to that may have to ask the person first.
   struct Outcome {
@@ -45,7 +46,7 @@ class SecretServiceClient {
   BoundedCalls& calls() { return calls_; }
 
   // A service may ask the person to unlock it first, without waiting for that.
-  Items search(const KeychainItemQuery& query);
+  SecretItems search(const KeychainItemQuery& query);
   // Whether this item would be found. Asks nobody anything.
   bool isFound(const ObjectPath& item, const KeychainItemQuery& query);
   Data secret(const ObjectPath& item);

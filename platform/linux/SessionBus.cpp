@@ -19,7 +19,7 @@ void tellThatItHasGone() {
 SessionBus::SessionBus(GObjectPtr<GDBusConnection> connection) : isKnown_(true), connection_(std::move(connection)) {}
 
 void SessionBus::adopt(GDBusConnection* connection) {
-  isKnown_ = true;
+  if (std::exchange(isKnown_, true) && connection == connection_.get()) return;
   connection_.reset(connection ? G_DBUS_CONNECTION(g_object_ref(connection)) : nullptr);
   // GIO would end the process with the bus, and with it the hotkeys and the clipboard's contents, which need no bus.
   if (!connection) return;

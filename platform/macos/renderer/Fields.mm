@@ -20,6 +20,7 @@ class TextField : public Widget {
     // What is longer than the field scrolls, where a field wraps by itself and shows the first line only.
     field_.usesSingleLineMode = YES;
     field_.lineBreakMode = NSLineBreakByClipping;
+    field_.cell.scrollable = YES;
     [stack_ insertArrangedSubview:title_ atIndex:0];
     [stack_ insertArrangedSubview:field_ atIndex:1];
     [field_ setContentHuggingPriority:1 forOrientation:NSLayoutConstraintOrientationHorizontal];

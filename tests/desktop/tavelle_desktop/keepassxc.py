@@ -23,7 +23,6 @@ CheckForUpdates=false
 
 [FdoSecrets]
 Enabled=true
-ShowNotification=false
 ConfirmAccessItem={asks}
 """
 DATABASE = """<?xml version="1.0" encoding="UTF-8"?>

@@ -135,7 +135,7 @@ TYPED_TEST_P(KeychainContract, answersOnAnyThread) {
 REGISTER_TYPED_TEST_SUITE_P(KeychainContract, findsNothingThatWasNeverAdded, readsBackWhatWasAdded, keepsAnEmptyValue,
                             keepsAnyBytes, keepsALongValue, refusesASecondItemOfTheSameName,
                             keepsAccountsAndServicesApart, deletesAnItem, saysWhenThereIsNothingToDelete,
-                            takesAnItemAgainAfterItWasDeleted, replacesAnItem,
-                            addsWhereThereIsNothingToReplace, answersOnAnyThread);
+                            takesAnItemAgainAfterItWasDeleted, replacesAnItem, addsWhereThereIsNothingToReplace,
+                            answersOnAnyThread);
 
 }  // namespace tavelle::tests

@@ -109,6 +109,8 @@ TEST_F(SecretServiceKeychainTest, replacesNothingWithoutTellingWhereAMatchingIte
   keyring.secretTool(command({"store", "--label=for now", "--collection=session"}), "sk-stored");
   keyring.secretTool({"lock", "--collection=login"});
   EXPECT_EQ(replace("sk-new"), errSecInteractionNotAllowed);
+  EXPECT_EQ(copy(), errSecSuccess);
+  EXPECT_EQ(read, "sk-stored");
 }
 
 TEST_F(SecretServiceKeychainTest, replacesTheValueOfEveryMatchingItem) {
@@ -383,6 +385,15 @@ TEST_F(PromptingSecretServiceTest, changesAnItemWithoutDeletingIt) {
   EXPECT_EQ(read, "another");
   expectAsked("SetSecret");
   EXPECT_EQ(timesAsked("Delete"), 0);
+}
+
+TEST_F(PromptingSecretServiceTest, writesNothingWhereThatHasJustBeenRead) {
+  start();
+  unlock();
+  EXPECT_EQ(replace("the secret"), errSecSuccess);
+  EXPECT_EQ(replace("another"), errSecSuccess);
+  lock();
+  EXPECT_EQ(timesAsked("SetSecret"), 1);
 }
 
 TEST_F(PromptingSecretServiceTest, asksThePersonOneThingAtATime) {

@@ -192,7 +192,12 @@ typedef enum NSTextAlignment : NSInteger {
 #endif
 } NSTextAlignment;
 
+@interface NSCell : NSObject
+@property(getter=isScrollable) BOOL scrollable;
+@end
+
 @interface NSControl : NSView
+@property(nullable, strong) __kindof NSCell* cell;
 @property(nullable, weak) id target;
 @property(nullable) SEL action;
 @property(getter=isEnabled) BOOL enabled;
