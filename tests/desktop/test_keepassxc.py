@@ -30,7 +30,8 @@ class PasswordManagerTest(SettingsWindowTest):
         self.settings.wait_for_text("API Key:", self.key)
 
     def wait_for_entries(self, *entries):
-        """It writes its file in its own time."""
+        """It may leave its file without the last of several changes, until it is locked."""
+        self.manager.lock()
         wait_until(lambda: self.manager.entries() == list(entries),
                    lambda: f"{entries} in the database; it has {self.manager.entries()}", every=0.2)  # fmt: skip
 
@@ -52,12 +53,14 @@ class PasswordManager(PasswordManagerTest):
         self.open_provider_tab()
         for key in ("first key", "second key"):
             self.settings.type_into("API Key:", key)
-            self.wait_for_entries(Entry("Root", ENTRY, key, NOTES))
+            self.wait_for_key(key)
+        self.wait_for_entries(Entry("Root", ENTRY, "second key", NOTES))
 
     def test_a_key_that_is_cleared_goes_where_the_person_finds_it_again(self):
         self.open_provider_tab()
         self.settings.select_all("API Key:")
         self.desktop.keyboard.chord("BackSpace")
+        self.wait_for_key("")
         self.wait_for_entries(Entry("Recycle Bin", ENTRY, "made-up key", NOTES))
 
 
@@ -73,9 +76,9 @@ class AskingPasswordManager(PasswordManagerTest):
 
 class EmptyPasswordManager(PasswordManagerTest):
     key = ""
-    asks = True
 
     def test_a_key_typed_letter_by_letter_becomes_one_entry(self):
         self.open_provider_tab()
         self.settings.type_into("API Key:", "typed key")
+        self.wait_for_key("typed key")
         self.wait_for_entries(Entry("Root", "Tavelle: apiKey_custom", "typed key", ""))
