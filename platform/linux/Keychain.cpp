@@ -93,7 +93,8 @@ OSStatus SecretServiceKeychain::secItemCopyMatching(const KeychainItemQuery& que
     const auto items = usableItems(client, query);
     if (items.empty()) return errSecItemNotFound;
     value = client.secret(items.front());
-    readLast_ = {query, items.front(), std::hash<Data>{}(*value)};
+    readLast_ = {query, items.front()};
+    justRead_ = {items.front(), std::hash<Data>{}(*value)};
     return errSecSuccess;
   }));
 }
@@ -115,6 +116,7 @@ void SecretServiceKeychain::readAhead() {
 std::optional<Data> SecretServiceKeychain::takeValueAhead(const KeychainItemQuery& query) {
   const std::lock_guard lock{mutex_};
   auto ahead = std::exchange(valueAhead_, std::nullopt);
+  justRead_.reset();
   const bool isWanted = ahead && ahead->query == query && Clock::now() < ahead->read + limits_.ageAhead;
   return isWanted ? std::optional{std::move(ahead->value)} : std::nullopt;
 }
@@ -125,10 +127,11 @@ OSStatus SecretServiceKeychain::secItemDelete(const KeychainItemQuery& query) {
 
 OSStatus SecretServiceKeychain::replaceItem(const KeychainItemQuery& item, const Data& value, KeychainAccessible) {
   return told(perform([&](SecretServiceClient& client) {
+    const auto known = std::exchange(justRead_, std::nullopt);
     const bool isThere = forEachItem(client, item, [&](const auto& each) {
       // What has just been read may stand there in other words, as a reference to another entry.
-      const bool isKnown = readLast_ && readLast_->item == each && readLast_->value == std::hash<Data>{}(value);
-      if (!isKnown) client.setSecret(each, value);
+      if (known && known->item == each && known->value == std::hash<Data>{}(value)) return;
+      client.setSecret(each, value);
     });
     if (!isThere) create(client, item, value);
     return errSecSuccess;
@@ -136,6 +139,7 @@ OSStatus SecretServiceKeychain::replaceItem(const KeychainItemQuery& item, const
 }
 
 OSStatus SecretServiceKeychain::add(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value) {
+  justRead_.reset();
   if (!usableItems(client, item).empty()) return errSecDuplicateItem;
   create(client, item, value);
   return errSecSuccess;
@@ -155,6 +159,7 @@ void SecretServiceKeychain::create(SecretServiceClient& client, const KeychainIt
 }
 
 OSStatus SecretServiceKeychain::remove(SecretServiceClient& client, const KeychainItemQuery& query) {
+  justRead_.reset();
   const bool wasThere = forEachItem(client, query, [&](const auto& item) {
     const auto outcome = client.deleteItem(item);
     if (!outcome.prompt.empty()) ask(client, outcome.prompt);

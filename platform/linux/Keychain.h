@@ -67,7 +67,11 @@ class SecretServiceKeychain : public Keychain {
 
   struct Reading {
     KeychainItemQuery query;
-    std::string item;   // its object path
+    std::string item;  // its object path
+  };
+
+  struct Known {
+    std::string item;
     std::size_t value;  // hashed: nobody needs the key itself any more
   };
 
@@ -101,6 +105,7 @@ class SecretServiceKeychain : public Keychain {
   std::unique_ptr<Connection> connection_;  // kept from call to call; dropped when a call fails
   bool wasSilent_ = false;
   std::optional<Reading> readLast_;
+  std::optional<Known> justRead_;         // until the next call, whatever that is but readAhead()
   std::optional<ValueAhead> valueAhead_;  // until the next call, whatever that is
 };
 

@@ -392,8 +392,11 @@ TEST_F(PromptingSecretServiceTest, writesNothingWhereThatHasJustBeenRead) {
   unlock();
   EXPECT_EQ(replace("the secret"), errSecSuccess);
   EXPECT_EQ(replace("another"), errSecSuccess);
+  EXPECT_EQ(replace("the secret"), errSecSuccess);
+  EXPECT_EQ(copy(), errSecSuccess);
+  EXPECT_EQ(read, "the secret");
   lock();
-  EXPECT_EQ(timesAsked("SetSecret"), 1);
+  EXPECT_EQ(timesAsked("SetSecret"), 2);
 }
 
 TEST_F(PromptingSecretServiceTest, asksThePersonOneThingAtATime) {
