@@ -53,8 +53,9 @@ OSStatus SecretServiceKeychain::perform(const Operation& operation) {
       wasSilent_ = false;
       return status;
     } catch (const SecretServiceError& error) {
-      wasSilent_ = error.status != errSecInteractionNotAllowed && calls.isTimeUp();
+      wasSilent_ = false;
       if (error.status == errSecInteractionNotAllowed) return error.status;
+      wasSilent_ = calls.isTimeUp();
       connection_.reset();
       if (isFresh || wasSilent_) return error.status;
     }
@@ -94,7 +95,7 @@ OSStatus SecretServiceKeychain::secItemCopyMatching(const KeychainItemQuery& que
     if (items.empty()) return errSecItemNotFound;
     value = client.secret(items.front());
     readLast_ = {query, items.front()};
-    justRead_ = {items.front(), std::hash<Data>{}(*value)};
+    justRead_ = std::hash<Data>{}(*value);
     return errSecSuccess;
   }));
 }
@@ -130,7 +131,7 @@ OSStatus SecretServiceKeychain::replaceItem(const KeychainItemQuery& item, const
     const auto known = std::exchange(justRead_, std::nullopt);
     const bool isThere = forEachItem(client, item, [&](const auto& each) {
       // What has just been read may stand there in other words, as a reference to another entry.
-      if (known && known->item == each && known->value == std::hash<Data>{}(value)) return;
+      if (known == std::hash<Data>{}(value) && each == readLast_->item) return;
       client.setSecret(each, value);
     });
     if (!isThere) create(client, item, value);

@@ -70,11 +70,6 @@ class SecretServiceKeychain : public Keychain {
     std::string item;  // its object path
   };
 
-  struct Known {
-    std::string item;
-    std::size_t value;  // hashed: nobody needs the key itself any more
-  };
-
   struct ValueAhead {
     KeychainItemQuery query;
     Data value;
@@ -105,7 +100,7 @@ class SecretServiceKeychain : public Keychain {
   std::unique_ptr<Connection> connection_;  // kept from call to call; dropped when a call fails
   bool wasSilent_ = false;
   std::optional<Reading> readLast_;
-  std::optional<Known> justRead_;         // until the next call, whatever that is but readAhead()
+  std::optional<std::size_t> justRead_;   // what was read last, hashed; until the next call but readAhead()
   std::optional<ValueAhead> valueAhead_;  // until the next call, whatever that is
 };
 

@@ -9,8 +9,7 @@ namespace {
 void tellThatItHasGone() {
   std::fputs(
       "Tavelle: the session bus has gone: until Tavelle is started again there are no notifications, no icon in the "
-      "panel "
-      "and no API keys\n",
+      "panel and no API keys\n",
       stderr);
 }
 

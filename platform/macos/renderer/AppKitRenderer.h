@@ -27,7 +27,7 @@ class AppKitRenderer : public view::Renderer {
 
   std::unique_ptr<Widget> make(view::NodeType type, Send send);
   Widget& at(view::NodeID node);
-  void take(Widget& widget, view::NodeID node, view::Input input);
+  void take(view::NodeID node, view::Input input);
   void place(Widget& widget, view::NodeID parent, view::NodeID after);
   void detach(Widget& widget);
   void forget(Widget& widget);

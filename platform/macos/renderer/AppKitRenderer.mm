@@ -51,16 +51,15 @@ void AppKitRenderer::apply(const view::Batch& batch) {
 }
 
 void AppKitRenderer::perform(const view::Create& create) {
-  auto widget =
-      make(create.type, [this, node = create.node](view::Input input) { take(at(node), node, std::move(input)); });
+  auto widget = make(create.type, [this, node = create.node](view::Input input) { take(node, std::move(input)); });
   widget->attributes = create.attributes;
   widget->update();
   widgets_.emplace(create.node, std::move(widget));
 }
 
 // Nobody says of a node what the person has just made of it: the widget knows from here.
-void AppKitRenderer::take(Widget& widget, view::NodeID node, view::Input input) {
-  if (auto value = view::newValue(input)) widget.attributes.set(Attribute::value, *std::move(value));
+void AppKitRenderer::take(view::NodeID node, view::Input input) {
+  if (auto value = view::newValue(input)) at(node).attributes.set(Attribute::value, *std::move(value));
   dispatch_(input_.stamp(node, std::move(input)));
 }
 

@@ -1,7 +1,6 @@
 """KeePassXC as the desktop's Secret Service: a password manager that asks the person, and keeps what is deleted in a bin."""
 
 import base64
-import os
 import uuid
 from dataclasses import dataclass
 from xml.etree import ElementTree
@@ -84,11 +83,7 @@ class KeePassXC:
         self._command("import", "--set-password", file, self._database, password=f"{PASSWORD}\n{PASSWORD}\n")
 
     def _start(self):
-        reads, writes = os.pipe()
-        os.write(writes, f"{PASSWORD}\n".encode())
-        os.close(writes)
-        self._desktop.processes.start("keepassxc", "keepassxc", "--pw-stdin", self._database, stdin=reads)
-        os.close(reads)
+        self._desktop.processes.start_reading(f"{PASSWORD}\n", "keepassxc", "keepassxc", "--pw-stdin", self._database)
         self._desktop.wait_for_name("org.freedesktop.secrets")
         self._wait_for_window(OPEN)
 

@@ -29,6 +29,16 @@ class Processes:
                 return self._start(command, env, stdout=log, stderr=subprocess.STDOUT, **options)
         return self._start(command, env, stdout=output, stderr=output, **options)
 
+    def start_reading(self, text, name, *command):
+        """Starts a program that finds this text in its standard input, and the end of it."""
+        reads, writes = os.pipe()
+        os.write(writes, text.encode())
+        os.close(writes)
+        try:
+            return self.start(name, *command, stdin=reads)
+        finally:
+            os.close(reads)
+
     def _start(self, command, env, **options):
         options.setdefault("stdin", subprocess.DEVNULL)
         process = subprocess.Popen([str(part) for part in command], env={**self.environment, **(env or {})},

@@ -216,13 +216,9 @@ class Desktop:
         data = self.home / ".local" / "share" / "keyrings"
         data.mkdir(parents=True, exist_ok=True)
         (data / "default").write_text("login", encoding="ascii")
-        password, gives = os.pipe()
-        os.write(gives, KEYRING_PASSWORD.encode())
-        os.close(gives)
         command = ["gnome-keyring-daemon", "--foreground", "--components=secrets",
                    f"--control-directory={self.folder / 'run' / 'keyring'}"]  # fmt: skip
-        self._keyring = self.processes.start("keyring", *command, *(["--unlock"] if unlock else []), stdin=password)
-        os.close(password)
+        self._keyring = self.processes.start_reading(KEYRING_PASSWORD, "keyring", *command, *(["--unlock"] if unlock else []))
         self.wait_for_name("org.freedesktop.secrets")
 
     def _start_notification_daemon(self):

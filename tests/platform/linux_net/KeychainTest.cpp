@@ -51,6 +51,13 @@ class SecretServiceKeychainTest : public testing::Test {
   const std::vector<std::string> attributes{"service", "app.tavelle.Tavelle", "account", "apiKey_openai"};
   std::optional<Data> read;
 
+  // An item of the person's own, which has an attribute more.
+  void storeWithMore(const std::string& label, const std::string& secret) {
+    auto store = command({"store", "--label=" + label});
+    store.insert(store.end(), {"more", "1"});
+    keyring.secretTool(store, secret);
+  }
+
   // What secret-tool lists of items, but when they were made and changed.
   static std::string withoutDates(const std::string& listed) {
     return std::regex_replace(listed, std::regex{"(created|modified) = [^\n]*\n"}, "");
@@ -84,9 +91,7 @@ TEST_F(SecretServiceKeychainTest, storesWhatSecretToolFinds) {
 TEST_F(SecretServiceKeychainTest, deletesEveryMatchingItem) {
   keyring.startUnlocked();
   EXPECT_EQ(add("sk-added"), errSecSuccess);
-  auto twice = command({"store", "--label=twice"});
-  twice.insert(twice.end(), {"more", "1"});
-  keyring.secretTool(twice, "sk-stored");
+  storeWithMore("twice", "sk-stored");
   EXPECT_EQ(remove(), errSecSuccess);
   EXPECT_EQ(copy(), errSecItemNotFound);
   EXPECT_EQ(keyring.secretTool(command({"search", "--all"})), "");
@@ -94,9 +99,7 @@ TEST_F(SecretServiceKeychainTest, deletesEveryMatchingItem) {
 
 TEST_F(SecretServiceKeychainTest, replacesTheValueOfAPersonsOwnItemAndNothingElseOfIt) {
   keyring.startUnlocked();
-  auto mine = command({"store", "--label=my own"});
-  mine.insert(mine.end(), {"more", "1"});
-  keyring.secretTool(mine, "sk-old");
+  storeWithMore("my own", "sk-old");
   auto expected = withoutDates(keyring.secretTool(command({"search", "--all"})));
   EXPECT_EQ(replace("sk-new"), errSecSuccess);
   expected.replace(expected.find("sk-old"), 6, "sk-new");
@@ -116,9 +119,7 @@ TEST_F(SecretServiceKeychainTest, replacesNothingWithoutTellingWhereAMatchingIte
 TEST_F(SecretServiceKeychainTest, replacesTheValueOfEveryMatchingItem) {
   keyring.startUnlocked();
   EXPECT_EQ(add("sk-added"), errSecSuccess);
-  auto twice = command({"store", "--label=twice"});
-  twice.insert(twice.end(), {"more", "1"});
-  keyring.secretTool(twice, "sk-stored");
+  storeWithMore("twice", "sk-stored");
   EXPECT_EQ(replace("sk-new"), errSecSuccess);
   EXPECT_EQ(keyring.secretTool({"lookup", "more", "1"}), "sk-new");
   EXPECT_EQ(keyring.secretTool({"lookup", "xdg:schema", "app.tavelle.Secret"}), "sk-new");
@@ -286,7 +287,12 @@ TEST_F(SilentSecretServiceTest, answersInTimeWhereTheBusIsSilent) {
 // A keyring that asks the person before it does anything.
 class PromptingSecretServiceTest : public SecretServiceKeychainTest {
  protected:
-  SecretServiceKeychain& keychain() override { return busy_; }
+  explicit PromptingSecretServiceTest(SecretServiceKeychain::Limits limits = {.call = seconds(20),
+                                                                              .question = seconds(0),
+                                                                              .readingAhead = seconds(20)})
+      : keychain_(limits) {}
+
+  SecretServiceKeychain& keychain() override { return keychain_; }
 
   void start(const std::vector<std::string>& manners = {}) {
     std::vector<std::string> command{"/usr/bin/python3", TAVELLE_PROMPTING_SERVICE};
@@ -342,7 +348,7 @@ class PromptingSecretServiceTest : public SecretServiceKeychainTest {
  private:
   std::optional<ChildProcess> peer_;
   std::string asked_;
-  SecretServiceKeychain busy_{{.call = seconds(20), .question = seconds(0), .readingAhead = seconds(20)}};
+  SecretServiceKeychain keychain_;
 };
 
 TEST_F(PromptingSecretServiceTest, asksThePersonAndDoesNotWaitForTheAnswer) {
@@ -439,10 +445,7 @@ TEST_F(PromptingSecretServiceTest, asksWhetherToMakeAKeyring) {
 // One that was told to ask nothing, and still answers with prompts.
 class AgreeingSecretServiceTest : public PromptingSecretServiceTest {
  protected:
-  SecretServiceKeychain& keychain() override { return patient_; }
-
- private:
-  SecretServiceKeychain patient_{{.call = seconds(40), .question = seconds(20)}};
+  AgreeingSecretServiceTest() : PromptingSecretServiceTest({.call = seconds(40), .question = seconds(20)}) {}
 };
 
 TEST_F(AgreeingSecretServiceTest, readsAtOnceWhatItUnlocks) {
@@ -484,10 +487,7 @@ TEST_F(AgreeingSecretServiceTest, takesANoForOne) {
 // One that answers no search before it is unlocked, and has asked for that itself.
 class UnlockedFirstTest : public PromptingSecretServiceTest {
  protected:
-  SecretServiceKeychain& keychain() override { return keychain_; }
-
- private:
-  SecretServiceKeychain keychain_{{.call = seconds(4), .question = seconds(4)}};
+  UnlockedFirstTest() : PromptingSecretServiceTest({.call = seconds(4), .question = seconds(4)}) {}
 };
 
 TEST_F(UnlockedFirstTest, isLockedAndAsksToBeUnlockedTheNextTime) {
