@@ -30,9 +30,13 @@ void passTime(Connection& connection) {
   }
 }
 
-void settle(Connection& connection) {
-  const XcbReply<xcb_get_input_focus_reply_t> roundTrip{
+void roundTrip(Connection& connection) {
+  const XcbReply<xcb_get_input_focus_reply_t> reply{
       xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr)};
+}
+
+void settle(Connection& connection) {
+  roundTrip(connection);
   while (g_main_context_iteration(nullptr, false)) {
   }
 }

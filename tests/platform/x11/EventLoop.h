@@ -12,6 +12,9 @@ bool waitUntil(const std::function<bool()>& isTrue);
 // Lets the server's clock go on: two things that are told apart by their time stamps have to have different ones.
 void passTime(Connection& connection);
 
+// Waits until the server has carried out all that this connection has asked it for. The main loop stands still.
+void roundTrip(Connection& connection);
+
 // Serves the main loop until everything that the server has sent to this connection so far is dealt with.
 void settle(Connection& connection);
 

@@ -218,10 +218,12 @@ TEST_F(HeldHotKey, copiesAndLeavesNoKeyDownInWhateverOrderItIsLetGo) {
         press({keySuper, keyShift, keyX});
         ASSERT_TRUE(isPressed(++runs));
         for (std::size_t i = 0; i < released; ++i) person.release(order[i]);
-        // Or the releases are still on their way when the copy is posted.
-        if (isSeen && released > 0) {
-          ASSERT_TRUE(waitUntil([&] { return !window.keysDownOnDevices().test(order[released - 1]); }));
+        // The server knows of the releases when the copy is posted; the program perhaps not yet.
+        const auto isUp = [&] { return released == 0 || !window.keysDownOnDevices().test(order[released - 1]); };
+        if (isSeen) {
+          ASSERT_TRUE(waitUntil(isUp));
         }
+        while (!isUp()) continue;
         backend.post(EditingKey::copy);
         for (std::size_t i = released; i < order.size(); ++i) {
           person.release(order[i]);
@@ -308,8 +310,6 @@ TEST_F(HeldHotKey, arrivesTwoThousandTimesAndLeavesNoKeyDown) {
   for (std::size_t count = 1; count <= 2000; ++count) {
     press({keySuper, keyShift, keyX});
     ASSERT_TRUE(isPressed(count)) << count;
-    // A nested server that hears of a key in the middle of a stroke believes its host and lets Control go.
-    ASSERT_TRUE(waitUntil([this] { return !window.keys().empty() && window.keys().back() == "-37"; })) << count;
     release({keyX, keyShift, keySuper});
     ASSERT_TRUE(isLetGo()) << count;
     ASSERT_EQ(window.strokes(), Strokes{"Control+c"}) << count;

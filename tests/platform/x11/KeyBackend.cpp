@@ -1,6 +1,7 @@
 #include "tests/platform/x11/KeyBackend.h"
 
 #include "platform/FatalError.h"
+#include "tests/platform/x11/EventLoop.h"
 
 #include <array>
 
@@ -48,6 +49,7 @@ void KeyBackend::post(EditingKey key) {
   quartzEvents.setFlags(*up, eventFlagMaskCommand);
   quartzEvents.post(EventTapLocation::hidEventTap, *down);
   quartzEvents.post(EventTapLocation::hidEventTap, *up);
+  roundTrip(*connection);
 }
 
 OSStatus KeyBackend::pressed(EventHandlerCallRef, EventRef event, void* self) {

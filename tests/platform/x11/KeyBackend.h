@@ -25,7 +25,8 @@ class KeyBackend {
   // The hotkey's status; its reference is kept in `hotKeys`.
   OSStatus registerHotKey(std::uint32_t virtualKeyCode, std::uint32_t modifiers, std::uint32_t id);
 
-  // Command+C or Command+V, as the pipeline posts them.
+  // Command+C or Command+V, as the pipeline posts them. The server has carried the stroke out then: a nested one that
+  // hears of a key in the middle of a stroke believes its host and lets Control go.
   void post(EditingKey key);
 
   std::unique_ptr<Connection> connection;
