@@ -31,17 +31,16 @@ struct SecretServiceKeychain::Connection {
 
 SecretServiceKeychain::SecretServiceKeychain(const Limits& limits) : limits_(limits), context_(g_main_context_new()) {}
 
-// What still waits in the context holds the bus connection.
 SecretServiceKeychain::~SecretServiceKeychain() {
+  if (!postponed_.empty()) perform([](SecretServiceClient&) { return errSecSuccess; });
   connection_.reset();
+  // What still waits in the context holds the bus connection.
   while (g_main_context_iteration(context_.get(), false)) continue;
 }
 
 // Runs `operation` on the connection at hand. Where that fails, the service may have been started anew since the
 // connection was made: then once more on a fresh one, in what is left of the time.
-template <typename Operation>
-OSStatus SecretServiceKeychain::perform(const Operation& operation) {
-  const std::lock_guard lock{mutex_};
+OSStatus SecretServiceKeychain::perform(const Change& operation) {
   valueAhead_.reset();
   BoundedCalls calls{context_.get(), wasSilent_ ? limits_.call / patienceAfterSilence : limits_.call};
   while (true) {
@@ -49,6 +48,7 @@ OSStatus SecretServiceKeychain::perform(const Operation& operation) {
     try {
       if (isFresh) connection_ = std::make_unique<Connection>(SecretServiceClient::open(calls));
       SecretServiceClient client{calls, connection_->service.get()};
+      catchUp(client, isFresh);
       const auto status = operation(client);
       wasSilent_ = false;
       return status;
@@ -59,6 +59,34 @@ OSStatus SecretServiceKeychain::perform(const Operation& operation) {
       connection_.reset();
       if (isFresh || wasSilent_) return error.status;
     }
+  }
+}
+
+// Makes a change; where the person has to agree first, it is kept until they have.
+OSStatus SecretServiceKeychain::change(const KeychainItemQuery& query, const Change& change) {
+  justRead_.reset();
+  dropPostponed(query);
+  const auto status = perform(change);
+  if (status == errSecInteractionNotAllowed && !wasRefused()) postponed_.push_back({query, change});
+  return told(status);
+}
+
+// Returns whether there was one.
+bool SecretServiceKeychain::dropPostponed(const KeychainItemQuery& query) {
+  return std::erase_if(postponed_, [&](const auto& each) { return each.query == query; }) > 0;
+}
+
+// Makes up for the changes that were kept, unless the person still looks at the question.
+void SecretServiceKeychain::catchUp(SecretServiceClient& client, bool isFresh) {
+  while (!postponed_.empty() && !isAsking()) {
+    if (wasRefused()) return postponed_.clear();
+    try {
+      postponed_.front().change(client);
+    } catch (const SecretServiceError& error) {
+      if (error.status == errSecInteractionNotAllowed && !wasRefused()) return;
+      if (error.status != errSecInteractionNotAllowed && (!isFresh || client.calls().isTimeUp())) throw;
+    }
+    postponed_.erase(postponed_.begin());
   }
 }
 
@@ -74,7 +102,7 @@ bool SecretServiceKeychain::isLocked() {
 
 // Whoever started the program in a terminal, or reads its journal, learns why there is no key: once for each change.
 OSStatus SecretServiceKeychain::told(OSStatus status) {
-  if (toldLast_.exchange(status) == status) return status;
+  if (std::exchange(toldLast_, status) == status) return status;
   if (status == errSecNotAvailable) {
     std::fputs("Tavelle: no Secret Service answers on the session bus: API keys cannot be read or saved\n", stderr);
   } else if (status == errSecInteractionNotAllowed) {
@@ -84,26 +112,39 @@ OSStatus SecretServiceKeychain::told(OSStatus status) {
 }
 
 OSStatus SecretServiceKeychain::secItemAdd(const KeychainItemQuery& item, const Data& value, KeychainAccessible) {
-  return told(perform([&](SecretServiceClient& client) { return add(client, item, value); }));
+  const std::lock_guard lock{mutex_};
+  return change(item, [=, this](SecretServiceClient& client) { return add(client, item, value); });
 }
 
 OSStatus SecretServiceKeychain::secItemCopyMatching(const KeychainItemQuery& query, std::optional<Data>& value) {
+  const std::lock_guard lock{mutex_};
   value = takeValueAhead(query);
-  if (value) return told(errSecSuccess);
-  return told(perform([&](SecretServiceClient& client) {
-    const auto items = usableItems(client, query);
-    if (items.empty()) return errSecItemNotFound;
-    value = client.secret(items.front());
-    readLast_ = {query, items.front()};
-    justRead_ = std::hash<Data>{}(*value);
-    return errSecSuccess;
-  }));
+  const auto status =
+      value ? errSecSuccess : perform([&](SecretServiceClient& client) { return read(client, query, value); });
+  justRead_ = value ? std::optional{KnownValue{readLast_->item, std::hash<Data>{}(*value)}} : std::nullopt;
+  return told(status);
+}
+
+OSStatus SecretServiceKeychain::secItemDelete(const KeychainItemQuery& query) {
+  const std::lock_guard lock{mutex_};
+  // Where the keyring is locked, a key that was typed may stand in a field that showed nothing of the stored one. Taken
+  // away again, it takes nothing along.
+  const bool takesBack = dropPostponed(query);
+  const auto status = change(query, [=, this](SecretServiceClient& client) { return remove(client, query); });
+  if (takesBack) dropPostponed(query);
+  return status;
+}
+
+OSStatus SecretServiceKeychain::replaceItem(const KeychainItemQuery& item, const Data& value, KeychainAccessible) {
+  const std::lock_guard lock{mutex_};
+  return change(
+      item, [=, this, known = justRead_](SecretServiceClient& client) { return replace(client, item, value, known); });
 }
 
 void SecretServiceKeychain::readAhead() {
   const std::lock_guard lock{mutex_};
   valueAhead_.reset();
-  if (!connection_ || !readLast_ || wasSilent_) return;
+  if (!connection_ || !readLast_ || !postponed_.empty() || wasSilent_) return;
   BoundedCalls calls{context_.get(), limits_.readingAhead};
   SecretServiceClient client{calls, connection_->service.get()};
   try {
@@ -114,36 +155,53 @@ void SecretServiceKeychain::readAhead() {
   }
 }
 
+// Its value was read from the item that was read last.
 std::optional<Data> SecretServiceKeychain::takeValueAhead(const KeychainItemQuery& query) {
-  const std::lock_guard lock{mutex_};
   auto ahead = std::exchange(valueAhead_, std::nullopt);
-  justRead_.reset();
   const bool isWanted = ahead && ahead->query == query && Clock::now() < ahead->read + limits_.ageAhead;
   return isWanted ? std::optional{std::move(ahead->value)} : std::nullopt;
 }
 
-OSStatus SecretServiceKeychain::secItemDelete(const KeychainItemQuery& query) {
-  return told(perform([&](SecretServiceClient& client) { return remove(client, query); }));
-}
-
-OSStatus SecretServiceKeychain::replaceItem(const KeychainItemQuery& item, const Data& value, KeychainAccessible) {
-  return told(perform([&](SecretServiceClient& client) {
-    const auto known = std::exchange(justRead_, std::nullopt);
-    const bool isThere = forEachItem(client, item, [&](const auto& each) {
-      // What has just been read may stand there in other words, as a reference to another entry.
-      if (known == std::hash<Data>{}(value) && each == readLast_->item) return;
-      client.setSecret(each, value);
-    });
-    if (!isThere) create(client, item, value);
-    return errSecSuccess;
-  }));
+OSStatus SecretServiceKeychain::read(SecretServiceClient& client, const KeychainItemQuery& query,
+                                     std::optional<Data>& value) {
+  readLast_.reset();
+  const auto items = usableItems(client, query);
+  if (items.empty()) return errSecItemNotFound;
+  value = client.secret(items.front());
+  readLast_ = {query, items.front()};
+  return errSecSuccess;
 }
 
 OSStatus SecretServiceKeychain::add(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value) {
-  justRead_.reset();
   if (!usableItems(client, item).empty()) return errSecDuplicateItem;
+  if (unlockDefaultCollection(client) && !usableItems(client, item).empty()) return errSecDuplicateItem;
   create(client, item, value);
   return errSecSuccess;
+}
+
+OSStatus SecretServiceKeychain::replace(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value,
+                                        const std::optional<KnownValue>& known) {
+  auto items = allItems(client, item);
+  if (items.empty() && unlockDefaultCollection(client)) items = allItems(client, item);
+  if (items.empty()) create(client, item, value);
+  for (const auto& each : items) {
+    // What is known may stand there in other words, as a reference to another entry.
+    if (known != KnownValue{each, std::hash<Data>{}(value)}) client.setSecret(each, value);
+  }
+  return errSecSuccess;
+}
+
+OSStatus SecretServiceKeychain::remove(SecretServiceClient& client, const KeychainItemQuery& query) {
+  const auto removeEach = [&](const std::vector<std::string>& items) {
+    for (const auto& item : items) {
+      const auto outcome = client.deleteItem(item);
+      if (!outcome.prompt.empty()) ask(client, outcome.prompt);
+    }
+  };
+  const auto found = search(client, query);
+  removeEach(found.unlocked);
+  if (!found.locked.empty()) removeEach(unlockedItems(client, query, found.locked));
+  return found.unlocked.empty() && found.locked.empty() ? errSecItemNotFound : errSecSuccess;
 }
 
 void SecretServiceKeychain::create(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value) {
@@ -154,46 +212,38 @@ void SecretServiceKeychain::create(SecretServiceClient& client, const KeychainIt
     collection = created.prompt.empty() ? created.object : client.defaultCollection();
     if (collection.empty()) throw SecretServiceError{errSecNotAvailable};
   }
-  if (client.isLocked(collection)) unlock(client, {collection});
   const auto created = client.createItem(collection, item, value);
   if (!created.prompt.empty()) ask(client, created.prompt);
-}
-
-OSStatus SecretServiceKeychain::remove(SecretServiceClient& client, const KeychainItemQuery& query) {
-  justRead_.reset();
-  const bool wasThere = forEachItem(client, query, [&](const auto& item) {
-    const auto outcome = client.deleteItem(item);
-    if (!outcome.prompt.empty()) ask(client, outcome.prompt);
-  });
-  return wasThere ? errSecSuccess : errSecItemNotFound;
-}
-
-// Calls `action` with every matching item, once all are unlocked. Returns whether there are any.
-template <typename Action>
-bool SecretServiceKeychain::forEachItem(SecretServiceClient& client, const KeychainItemQuery& query,
-                                        const Action& action) {
-  const auto found = search(client, query);
-  if (!found.locked.empty()) unlock(client, found.locked);
-  for (const auto& item : found.unlocked) action(item);
-  for (const auto& item : found.locked) action(item);
-  return !found.unlocked.empty() || !found.locked.empty();
 }
 
 // The matching items that are unlocked; where all are locked, these, once the service has unlocked them.
 std::vector<std::string> SecretServiceKeychain::usableItems(SecretServiceClient& client,
                                                             const KeychainItemQuery& query) {
-  auto found = search(client, query);
-  if (!found.unlocked.empty() || found.locked.empty()) return std::move(found.unlocked);
-  unlock(client, found.locked);
-  return std::move(found.locked);
+  const auto found = search(client, query);
+  const bool isUsable = !found.unlocked.empty() || found.locked.empty();
+  return isUsable ? found.unlocked : unlockedItems(client, query, found.locked);
+}
+
+// All matching items, once they are unlocked.
+std::vector<std::string> SecretServiceKeychain::allItems(SecretServiceClient& client, const KeychainItemQuery& query) {
+  const auto found = search(client, query);
+  return found.locked.empty() ? found.unlocked : unlockedItems(client, query, found.locked);
+}
+
+// All matching items, once those that were found locked are unlocked. Of several the person may agree to some only.
+std::vector<std::string> SecretServiceKeychain::unlockedItems(SecretServiceClient& client,
+                                                              const KeychainItemQuery& query,
+                                                              const std::vector<std::string>& locked) {
+  unlock(client, locked);
+  const auto found = search(client, query);
+  if (!found.locked.empty()) throw SecretServiceError{errSecInteractionNotAllowed};
+  return found.unlocked;
 }
 
 // Some services want to be unlocked before they search, ask for that themselves, and answer no earlier. They are given
 // the time of one call to show it; from then on they are asked to unlock first.
 SecretItems SecretServiceKeychain::search(SecretServiceClient& client, const KeychainItemQuery& query) {
-  if (!connection_->searchesLocked) {
-    if (const auto locked = lockedCollection(client); !locked.empty()) unlock(client, {locked});
-  }
+  if (!connection_->searchesLocked) unlockDefaultCollection(client);
   try {
     return client.search(query);
   } catch (const SecretServiceError&) {
@@ -201,6 +251,13 @@ SecretItems SecretServiceKeychain::search(SecretServiceClient& client, const Key
     if (!connection_->searchesLocked) throw SecretServiceError{errSecInteractionNotAllowed};
     throw;
   }
+}
+
+// Returns whether it was locked. Some services tell of nothing in a collection while it is.
+bool SecretServiceKeychain::unlockDefaultCollection(SecretServiceClient& client) {
+  const auto locked = lockedCollection(client);
+  if (!locked.empty()) unlock(client, {locked});
+  return !locked.empty();
 }
 
 void SecretServiceKeychain::unlock(SecretServiceClient& client, const std::vector<std::string>& objects) {
@@ -225,6 +282,11 @@ void SecretServiceKeychain::ask(SecretServiceClient& client, const std::string& 
 bool SecretServiceKeychain::isAsking() const {
   const GPtr<> owner{g_dbus_proxy_get_name_owner(G_DBUS_PROXY(connection_->service.get()))};
   return owner && connection_->prompt && connection_->prompt->isOpen() && connection_->prompt->service() == owner.get();
+}
+
+// Whether the person has answered the last question with a no.
+bool SecretServiceKeychain::wasRefused() const {
+  return connection_ && connection_->prompt && connection_->prompt->isRefused();
 }
 
 }  // namespace tavelle

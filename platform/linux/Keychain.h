@@ -3,8 +3,8 @@
 #include "platform/Keychain.h"
 #include "platform/linux/BoundedCalls.h"
 
-#include <atomic>
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -24,7 +24,8 @@ struct SecretItems;
 // Where the service is missing or does not answer in time, the status is errSecNotAvailable. Where the person has to
 // agree first (to unlock or to create a keyring, to let Tavelle have an item, to delete one), it is
 // errSecInteractionNotAllowed: the service's own question is on the screen then, or they have just said no, and the
-// call that comes after they agreed succeeds.
+// call that comes after they agreed succeeds. A change that they have not said no to is made up for before that call
+// does anything else, and at the latest in the destructor.
 class SecretServiceKeychain : public Keychain {
  public:
   struct Limits {
@@ -48,11 +49,13 @@ class SecretServiceKeychain : public Keychain {
   OSStatus secItemAdd(const KeychainItemQuery& item, const Data& value, KeychainAccessible accessible) override;
   OSStatus secItemCopyMatching(const KeychainItemQuery& query, std::optional<Data>& value) override;
 
-  // Deletes every matching item.
+  // Deletes every matching item, those that are not locked before anything is asked. Where an earlier change of the
+  // item still waits for the person, both are forgotten once this one has to wait, too.
   OSStatus secItemDelete(const KeychainItemQuery& query) override;
 
-  // Changes every matching item where it is, unless it was just read and had that value: its label, its notes and its
-  // other attributes are the person's. A service may ask before it deletes one, or keep what was deleted in a bin.
+  // Changes every matching item where it is, all or none, unless it was just read and had that value: its label, its
+  // notes and its other attributes are the person's. A service may ask before it deletes one, or keep what was deleted
+  // in a bin.
   OSStatus replaceItem(const KeychainItemQuery& item, const Data& value, KeychainAccessible accessible) override;
 
   // Reads what was read last once more, because it is about to be wanted: if the next call asks for just that, and
@@ -65,9 +68,24 @@ class SecretServiceKeychain : public Keychain {
 
   struct Connection;
 
+  // What is done to the items of a query.
+  using Change = std::function<OSStatus(SecretServiceClient&)>;
+
+  struct PostponedChange {
+    KeychainItemQuery query;
+    Change change;
+  };
+
   struct Reading {
     KeychainItemQuery query;
     std::string item;  // its object path
+  };
+
+  struct KnownValue {
+    std::string item;  // its object path
+    std::size_t hash;
+
+    bool operator==(const KnownValue&) const = default;
   };
 
   struct ValueAhead {
@@ -76,31 +94,41 @@ class SecretServiceKeychain : public Keychain {
     Clock::time_point read;
   };
 
-  template <typename Operation>
-  OSStatus perform(const Operation& operation);
+  OSStatus perform(const Change& operation);
+  OSStatus change(const KeychainItemQuery& query, const Change& change);
+  bool dropPostponed(const KeychainItemQuery& query);
+  void catchUp(SecretServiceClient& client, bool isFresh);
   bool isLocked();
   std::optional<Data> takeValueAhead(const KeychainItemQuery& query);
   OSStatus told(OSStatus status);
 
+  OSStatus read(SecretServiceClient& client, const KeychainItemQuery& query, std::optional<Data>& value);
   OSStatus add(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value);
-  SecretItems search(SecretServiceClient& client, const KeychainItemQuery& query);
-  void create(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value);
+  OSStatus replace(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value,
+                   const std::optional<KnownValue>& known);
   OSStatus remove(SecretServiceClient& client, const KeychainItemQuery& query);
-  template <typename Action>
-  bool forEachItem(SecretServiceClient& client, const KeychainItemQuery& query, const Action& action);
+  void create(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value);
+
+  SecretItems search(SecretServiceClient& client, const KeychainItemQuery& query);
   std::vector<std::string> usableItems(SecretServiceClient& client, const KeychainItemQuery& query);
+  std::vector<std::string> allItems(SecretServiceClient& client, const KeychainItemQuery& query);
+  std::vector<std::string> unlockedItems(SecretServiceClient& client, const KeychainItemQuery& query,
+                                         const std::vector<std::string>& locked);
+  bool unlockDefaultCollection(SecretServiceClient& client);
   void unlock(SecretServiceClient& client, const std::vector<std::string>& objects);
   void ask(SecretServiceClient& client, const std::string& prompt);
   bool isAsking() const;
+  bool wasRefused() const;
 
   const Limits limits_;
-  std::atomic<OSStatus> toldLast_ = errSecSuccess;
-  std::mutex mutex_;  // guards the rest
+  std::mutex mutex_;  // guards the rest; every public member holds it
+  OSStatus toldLast_ = errSecSuccess;
   GMainContextPtr context_;
   std::unique_ptr<Connection> connection_;  // kept from call to call; dropped when a call fails
   bool wasSilent_ = false;
+  std::vector<PostponedChange> postponed_;  // one for each query
   std::optional<Reading> readLast_;
-  std::optional<std::size_t> justRead_;   // what was read last, hashed; until the next call but readAhead()
+  std::optional<KnownValue> justRead_;    // until the next call but readAhead()
   std::optional<ValueAhead> valueAhead_;  // until the next call, whatever that is
 };
 

@@ -23,11 +23,15 @@ class SecretPrompt {
   // have lost it.
   bool isOpen() const;
 
+  bool isAgreed() const { return state_ == State::agreed; }
+  bool isRefused() const { return state_ == State::refused; }
+
   const std::string& service() const { return service_; }
 
-  bool isAgreed() const { return isCompleted_ && !isDismissed_; }
-
  private:
+  enum class State { asked, agreed, refused, failed };
+
+  static void onAsked(GObject* connection, GAsyncResult* result, gpointer self);
   static void onCompleted(GDBusConnection*, const char*, const char*, const char*, const char*, GVariant*,
                           gpointer self);
 
@@ -35,8 +39,8 @@ class SecretPrompt {
   std::string service_;
   guint subscription_;
   std::chrono::steady_clock::time_point askedAt_;
-  bool isCompleted_ = false;
-  bool isDismissed_ = false;
+  GObjectPtr<GCancellable> asking_;
+  State state_ = State::asked;
 };
 
 }  // namespace tavelle

@@ -6,7 +6,7 @@
 namespace tavelle {
 namespace {
 
-void tellThatItHasGone() {
+void tellThatItHasGone(GDBusConnection*, gboolean, GError*, gpointer) {
   std::fputs(
       "Tavelle: the session bus has gone: until Tavelle is started again there are no notifications, no icon in the "
       "panel and no API keys\n",

@@ -8,6 +8,7 @@ from tavelle_desktop.settings_window import PROVIDERS
 
 KEYS = {"OpenAI": "sk-one", "Anthropic": "the-second-key", "Gemini": "a key that is the longest of all three"}
 MODELS = {"OpenAI": "gpt-4o", "Anthropic": "claude-sonnet-4-20250514", "Gemini": "gemini-2.0-flash", "Ollama": "llama3.2"}
+LOCKED = "Tavelle: the keyring is locked: API keys cannot be read or saved until it is unlocked\n"
 
 
 class ProviderTabTest(SettingsWindowTest):
@@ -105,10 +106,20 @@ class Testing(ProviderTabTest):
 
 
 class LockedKeyring(ProviderTabTest):
+    def test_a_key_that_was_pasted_is_stored_once_the_person_has_unlocked_the_keyring(self):
+        self.desktop.lock_keyring()
+        self.desktop.start_keyring_prompter()
+        self.paste_into("API Key:", "pasted while locked")
+        self.wait_for_line(LOCKED)
+        self.desktop.unlock_keyring_as_asked()
+        self.assert_hotkeys_are_alive()
+        self.assertEqual(self.model.requests[-1][0]["Authorization"], "Bearer pasted while locked")
+        self.wait_for_key("pasted while locked")
+
     def test_what_is_typed_stays_in_the_field_and_is_stored_once_the_keyring_is_unlocked(self):
         self.desktop.lock_keyring()
         self.settings.type_into("API Key:", "typed while locked")
-        self.wait_for_line("Tavelle: the keyring is locked: API keys cannot be read or saved until it is unlocked\n")
+        self.wait_for_line(LOCKED)
         self.assert_hotkeys_are_alive()
         self.desktop.unlock_keyring()
         self.wait_for_key("made-up key")  # the keyring is on the bus before it has been unlocked

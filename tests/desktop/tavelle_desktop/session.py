@@ -23,6 +23,8 @@ from .screen import Screen
 from .waiting import wait_until
 
 KEYRING_PASSWORD = "of the private desktop"
+PROMPTER = "(?i)gcr-prompter"
+SERVICES = Path("/usr/share/dbus-1/services")
 
 
 @dataclass(frozen=True)
@@ -132,6 +134,21 @@ class Desktop:
 
     def unlock_keyring(self):
         self._restart_keyring(unlock=True)
+
+    def start_keyring_prompter(self):
+        """What asks the person for the keyring's password, as the bus of a real session would start it."""
+        service = (SERVICES / "org.gnome.keyring.SystemPrompter.service").read_text(encoding="utf-8")
+        command = next(line.removeprefix("Exec=") for line in service.splitlines() if line.startswith("Exec="))
+        self.processes.start("keyring-prompter", *command.split())
+        self.wait_for_name("org.gnome.keyring.SystemPrompter")
+
+    def unlock_keyring_as_asked(self):
+        """Gives the prompter the password, and waits until it is satisfied."""
+        self.screen.wait_for_window(PROMPTER)
+        wait_until(self.screen.keyboard_is_grabbed, "the prompter has the keyboard")
+        self.keyboard.type(KEYRING_PASSWORD)
+        self.keyboard.chord("Return")
+        wait_until(lambda: not self.screen.window_of_class(PROMPTER), "the prompter is satisfied")
 
     def end_session_bus(self):
         self.processes.end(self._bus_daemon)

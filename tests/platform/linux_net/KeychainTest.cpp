@@ -117,6 +117,15 @@ TEST_F(SecretServiceKeychainTest, replacesNothingWithoutTellingWhereAMatchingIte
   EXPECT_EQ(read, "sk-stored");
 }
 
+TEST_F(SecretServiceKeychainTest, deletesWhatIsNotLockedThoughAnotherMatchingItemIs) {
+  keyring.startUnlocked();
+  EXPECT_EQ(add("sk-added"), errSecSuccess);
+  keyring.secretTool(command({"store", "--label=for now", "--collection=session"}), "sk-stored");
+  keyring.secretTool({"lock", "--collection=login"});
+  EXPECT_EQ(remove(), errSecInteractionNotAllowed);
+  EXPECT_EQ(copy(), errSecInteractionNotAllowed);
+}
+
 TEST_F(SecretServiceKeychainTest, replacesTheValueOfEveryMatchingItem) {
   keyring.startUnlocked();
   EXPECT_EQ(add("sk-added"), errSecSuccess);
@@ -291,9 +300,14 @@ class PromptingSecretServiceTest : public SecretServiceKeychainTest {
   explicit PromptingSecretServiceTest(SecretServiceKeychain::Limits limits = {.call = seconds(20),
                                                                               .question = seconds(0),
                                                                               .readingAhead = seconds(20)})
-      : keychain_(limits) {}
+      : limits_(limits) {}
 
-  SecretServiceKeychain& keychain() override { return keychain_; }
+  SecretServiceKeychain& keychain() override { return *keychain_; }
+
+  void restartKeychain() {
+    keychain_.reset();
+    keychain_.emplace(limits_);
+  }
 
   void start(const std::vector<std::string>& manners = {}) {
     std::vector<std::string> command{"/usr/bin/python3", TAVELLE_PROMPTING_SERVICE};
@@ -317,12 +331,9 @@ class PromptingSecretServiceTest : public SecretServiceKeychainTest {
     } while (line != method);
   }
 
-  // The person sees the question, and answers.
-  void answer() {
-    expectAsked("Prompt");
-    peer_->write("answer\n");
-    expectAsked("answered");
-  }
+  // The person sees the question, and agrees.
+  void answer() { answer("answer\n"); }
+  void refuse() { answer("refuse\n"); }
 
   void lock() {
     peer_->write("lock\n");
@@ -347,9 +358,16 @@ class PromptingSecretServiceTest : public SecretServiceKeychainTest {
   }
 
  private:
+  void answer(const std::string& answer) {
+    expectAsked("Prompt");
+    peer_->write(answer);
+    expectAsked("answered");
+  }
+
   std::optional<ChildProcess> peer_;
   std::string asked_;
-  SecretServiceKeychain keychain_;
+  const SecretServiceKeychain::Limits limits_;
+  std::optional<SecretServiceKeychain> keychain_{limits_};
 };
 
 TEST_F(PromptingSecretServiceTest, asksThePersonAndDoesNotWaitForTheAnswer) {
@@ -377,11 +395,9 @@ TEST_F(PromptingSecretServiceTest, readsAheadNothingOfSomebodyElsesThatHasTakenT
   unlock();
   reuse();
   keychain().readAhead();
-  const int readings = timesAsked("GetSecret");
+  EXPECT_EQ(copy(), errSecItemNotFound);
   lock();
-  EXPECT_EQ(copy(), errSecInteractionNotAllowed);
-  expectAsked("Prompt");
-  EXPECT_EQ(timesAsked("GetSecret"), readings);
+  EXPECT_EQ(timesAsked("GetSecret"), 1);
 }
 
 TEST_F(PromptingSecretServiceTest, changesAnItemWithoutDeletingIt) {
@@ -404,6 +420,109 @@ TEST_F(PromptingSecretServiceTest, writesNothingWhereThatHasJustBeenRead) {
   EXPECT_EQ(read, "the secret");
   lock();
   EXPECT_EQ(timesAsked("SetSecret"), 2);
+}
+
+TEST_F(PromptingSecretServiceTest, writesNothingWhereThatWasReadAhead) {
+  start();
+  unlock();
+  keychain().readAhead();
+  EXPECT_EQ(copy(), errSecSuccess);
+  EXPECT_EQ(replace("the secret"), errSecSuccess);
+  lock();
+  EXPECT_EQ(timesAsked("GetSecret"), 2);
+  EXPECT_EQ(timesAsked("SetSecret"), 0);
+}
+
+TEST_F(PromptingSecretServiceTest, readsNothingAheadOnceAnItemWasNotFound) {
+  start();
+  unlock();
+  EXPECT_EQ(keychain().secItemCopyMatching({"app.tavelle.Tavelle", "apiKey_ollama"}, read), errSecItemNotFound);
+  keychain().readAhead();
+  lock();
+  EXPECT_EQ(timesAsked("GetSecret"), 1);
+}
+
+TEST_F(PromptingSecretServiceTest, makesUpForTheLastChangeOnceThePersonHasAgreed) {
+  start();
+  EXPECT_EQ(replace("t"), errSecInteractionNotAllowed);
+  EXPECT_EQ(replace("typed"), errSecInteractionNotAllowed);
+  EXPECT_EQ(copy(), errSecInteractionNotAllowed);
+  answer();
+  EXPECT_EQ(copy(), errSecSuccess);
+  EXPECT_EQ(read, "typed");
+  lock();
+  EXPECT_EQ(timesAsked("SetSecret"), 1);
+  EXPECT_EQ(timesAsked("Prompt"), 1);
+}
+
+TEST_F(PromptingSecretServiceTest, makesUpForAChangeBeforeItReadsAhead) {
+  start();
+  unlock();
+  lock();
+  EXPECT_EQ(replace("typed"), errSecInteractionNotAllowed);
+  answer();
+  keychain().readAhead();
+  EXPECT_EQ(copy(), errSecSuccess);
+  EXPECT_EQ(read, "typed");
+}
+
+TEST_F(PromptingSecretServiceTest, makesUpForAChangeAtTheEndOfTheProgram) {
+  start();
+  EXPECT_EQ(replace("typed"), errSecInteractionNotAllowed);
+  answer();
+  restartKeychain();
+  EXPECT_EQ(copy(), errSecSuccess);
+  EXPECT_EQ(read, "typed");
+}
+
+TEST_F(PromptingSecretServiceTest, makesUpForADeletion) {
+  start();
+  EXPECT_EQ(remove(), errSecInteractionNotAllowed);
+  answer();
+  EXPECT_EQ(copy(), errSecSuccess);
+  expectAsked("Delete");
+  expectAsked("Prompt");
+}
+
+TEST_F(PromptingSecretServiceTest, leavesTheStoredKeyWhereOneWasTypedAndTakenAwayWhileItWasLocked) {
+  start();
+  EXPECT_EQ(replace("typed"), errSecInteractionNotAllowed);
+  EXPECT_EQ(remove(), errSecInteractionNotAllowed);
+  answer();
+  EXPECT_EQ(copy(), errSecSuccess);
+  EXPECT_EQ(read, "the secret");
+  lock();
+  EXPECT_EQ(timesAsked("SetSecret"), 0);
+  EXPECT_EQ(timesAsked("Delete"), 0);
+}
+
+TEST_F(PromptingSecretServiceTest, dropsAChangeThatThePersonRefuses) {
+  start();
+  EXPECT_EQ(replace("typed"), errSecInteractionNotAllowed);
+  refuse();
+  unlock();
+  EXPECT_EQ(read, "the secret");
+  lock();
+  EXPECT_EQ(timesAsked("SetSecret"), 0);
+}
+
+TEST_F(PromptingSecretServiceTest, dropsAChangeForALaterOne) {
+  start();
+  EXPECT_EQ(replace("typed"), errSecInteractionNotAllowed);
+  answer();
+  EXPECT_EQ(replace("typed later"), errSecSuccess);
+  EXPECT_EQ(copy(), errSecSuccess);
+  EXPECT_EQ(read, "typed later");
+  lock();
+  EXPECT_EQ(timesAsked("SetSecret"), 1);
+}
+
+TEST_F(PromptingSecretServiceTest, asksAgainWhereTheServiceCannotAsk) {
+  start({"cannot-ask"});
+  EXPECT_EQ(copy(), errSecInteractionNotAllowed);
+  expectAsked("Prompt");
+  EXPECT_EQ(copy(), errSecInteractionNotAllowed);
+  expectAsked("Prompt");
 }
 
 TEST_F(PromptingSecretServiceTest, asksThePersonOneThingAtATime) {
@@ -460,6 +579,15 @@ TEST_F(AgreeingSecretServiceTest, replacesAtOnceWhatItUnlocks) {
   EXPECT_EQ(replace("another"), errSecSuccess);
   EXPECT_EQ(copy(), errSecSuccess);
   EXPECT_EQ(read, "another");
+}
+
+TEST_F(AgreeingSecretServiceTest, replacesWhatItDoesNotFindWhileItIsLocked) {
+  start({"asks-nobody", "hides-locked"});
+  EXPECT_EQ(replace("another"), errSecSuccess);
+  EXPECT_EQ(copy(), errSecSuccess);
+  EXPECT_EQ(read, "another");
+  lock();
+  EXPECT_EQ(timesAsked("CreateItem"), 0);
 }
 
 TEST_F(AgreeingSecretServiceTest, deletesAtOnceWhatItUnlocks) {

@@ -1,10 +1,11 @@
 #!/usr/bin/python3
 """A Secret Service whose keyring is locked, and which asks the person. It prints what it is asked, a line each; a line of input, "answer",
-is the person's answer, after which the keyring is unlocked; "lock" locks it again, and "reuse" puts an item of somebody else's at the path
-of the one there was. Secrets cross in the clear.
+is the person's answer, after which the keyring is unlocked, and "refuse" their no; "lock" locks it again, and "reuse" puts an item of
+somebody else's at the path of the one there was. Secrets cross in the clear.
 
 Its arguments: with "without-keyring" there is no keyring at all until the person has agreed to one; with "asks-nobody" it answers its own
-questions, and with "declines" it does so with a no; with "unlocked-first" it answers no search before it is unlocked."""
+questions, and with "declines" it does so with a no; with "cannot-ask" it cannot show them; with "unlocked-first" it answers no search
+before it is unlocked, and with "hides-locked" it finds nothing before."""
 
 import sys
 
@@ -44,7 +45,9 @@ class Peer:
         self.has_keyring = "without-keyring" not in manners
         self.declines = "declines" in manners
         self.asks_nobody = "asks-nobody" in manners
+        self.cannot_ask = "cannot-ask" in manners
         self.unlocked_first = "unlocked-first" in manners
+        self.hides_locked = "hides-locked" in manners
         self.attributes = ATTRIBUTES
         self.stored = b"the secret"
         self.locked = True
@@ -78,8 +81,11 @@ class Peer:
         elif method == "SearchItems" and self.unlocked_first and self.locked:
             return
         elif method == "SearchItems":
-            found = [STORED] if self.has_keyring else []
+            found = [STORED] if self.has(arguments.unpack()[0]) else []
             reply = GLib.Variant("(aoao)", ([], found) if self.locked else (found, []))
+        elif method == "Prompt" and self.cannot_ask:
+            invocation.return_dbus_error("org.freedesktop.DBus.Error.Failed", "there is no screen")
+            return
         elif method == "Unlock":
             reply = GLib.Variant("(aoo)", ([], self.new_prompt()))
         elif method == "ReadAlias":
@@ -103,6 +109,10 @@ class Peer:
             self.complete(True)
         elif method == "Prompt" and self.asks_nobody:
             self.answered()
+
+    def has(self, attributes):
+        is_hidden = self.hides_locked and self.locked
+        return self.has_keyring and not is_hidden and attributes.items() <= self.attributes.items()
 
     def lock(self):
         self.locked = True
@@ -133,6 +143,8 @@ def main():
         line = sys.stdin.readline()
         if line == "answer\n":
             peer.answered()
+        elif line == "refuse\n":
+            peer.complete(True)
         elif line == "lock\n":
             peer.lock()
         elif line == "reuse\n":
