@@ -56,6 +56,16 @@ class PasswordManager(PasswordManagerTest):
             self.wait_for_key(key)
         self.wait_for_entries(Entry("Root", ENTRY, "second key", NOTES))
 
+    def test_a_key_that_is_pasted_while_it_is_locked_is_stored_once_it_is_unlocked(self):
+        self.open_provider_tab()
+        self.manager.lock()
+        self.desktop.screen.activate(self.settings.window)
+        self.paste_into("API Key:", "pasted while locked")
+        self.wait_for_line(LOCKED)
+        self.manager.unlock()
+        self.assert_sent("Bearer pasted while locked")
+        self.wait_for_entries(Entry("Root", ENTRY, "pasted while locked", NOTES))
+
     def test_a_key_that_is_cleared_goes_where_the_person_finds_it_again(self):
         self.open_provider_tab()
         self.settings.select_all("API Key:")
