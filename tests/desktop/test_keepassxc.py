@@ -16,10 +16,10 @@ class PasswordManagerTest(SettingsWindowTest):
     def start_tavelle(self):
         self.manager = KeePassXC(self.desktop, self.key, self.asks)
         super().start_tavelle()
-        self.app = self.scripted("words")
+        self.editor = self.scripted("words")
 
     def assert_sent(self, authorization):
-        self.desktop.screen.activate(self.app.window)
+        self.desktop.screen.activate(self.editor.window)
         before = len(self.model.requests)
         self.press_and_wait()
         self.assertEqual([headers.get("Authorization") for headers, _ in self.model.requests[before:]], [authorization])

@@ -111,6 +111,7 @@ class Demonstration:
             print("\nnotifications:\n" + indented("\n".join(f"{one.title}: {one.body}" for one in sent) or "none"))
         if last.body != "Done!":
             raise Failed(f"the run ended with {last.body!r}")
+        self.editor.wait_until_pasted()
 
     def wait_for_shown_notification(self):
         wait_until(lambda: self.desktop.screen.find_windows(lambda names, _title: "Dunst" in names), "a notification on the screen")

@@ -3,9 +3,14 @@
 import os
 import shutil
 
+from Xlib import display
+
 from .page import WritingPage
-from .selections import SelectionReader
+from .ping import WindowPing
+from .selections import Client, SelectionReader
 from .waiting import TimedOut, stays, wait_until
+
+PASTE_STEPS = 4  # the key, which GTK 4 keeps in a queue of its own for one more; the clipboard's targets; its text
 
 
 class Application:
@@ -26,7 +31,9 @@ class Application:
         self.document = desktop.documents / f"{self.name}.txt"
         self.window = None
         self.process = None
-        self._reader = SelectionReader(desktop.display_name)
+        client = Client(display.Display(desktop.display_name))
+        self._reader = SelectionReader(desktop.display_name, client=client)
+        self._ping = WindowPing(client)
 
     def command(self):
         raise NotImplementedError
@@ -67,6 +74,15 @@ class Application:
             return self._reader.text(self.shows_selection_in)
 
         return wait_until(read, f"{self.name} hands over its text", within=10)
+
+    def wait_until_pasted(self):
+        """Waits until it has handled the keys that it was sent, and what a paste among them has asked of the clipboard.
+
+        It answers pings in the order of its events, and the clipboard's owner answers it before us.
+        """
+        for _ in range(PASTE_STEPS):
+            self._ping.wait_for_answer(self.window)
+            self._reader.targets("CLIPBOARD")
 
     def wait_for_saved(self, text, within=10.0):
         """Saves, and waits until the file holds the text."""

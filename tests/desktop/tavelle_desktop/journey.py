@@ -35,6 +35,7 @@ class DesktopTest(unittest.TestCase):
     """Each test has a desktop of its own, so that what one breaks on purpose is not the next one's trouble."""
 
     options = Options()
+    app = None  # which open() opens
 
     def setUp(self):
         name = self.id().rpartition(".")[2]
@@ -90,9 +91,13 @@ class DesktopTest(unittest.TestCase):
         return self.wait_for_last(last, since, within)
 
     def wait_for_last(self, last=DONE, since=0, within=15.0):
+        """A run tells that it is done whether or not the application has come to the paste: what the test does to it next
+        must not come between."""
         ended = self.desktop.notifications.wait_for_one(lambda one: one.body != REWRITING, "that ends the run", since, within)
         if last is not None:
             self.assertEqual(ended.body, last)
+        if self.app and ended.body == DONE:
+            self.app.wait_until_pasted()
         return ended
 
     # What must hold.
