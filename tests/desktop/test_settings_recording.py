@@ -124,6 +124,7 @@ class AnotherWindowMeanwhile(Recording):
     def test_has_the_keyboard_and_the_hotkeys_while_recording_waits(self):
         self.start_recording()
         app = self.scripted()
+        self.wait_for_keyboard(is_grabbed=False)
         self.desktop.keyboard.chord("G")
         wait_until(lambda: app.keys, "the letter arrives in the other window")
         self.press_and_wait()
