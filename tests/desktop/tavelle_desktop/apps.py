@@ -10,7 +10,9 @@ from .ping import WindowPing
 from .selections import Client, SelectionReader
 from .waiting import TimedOut, stays, wait_until
 
-PASTE_STEPS = 4  # the key, which GTK 4 keeps in a queue of its own for one more; the clipboard's targets; its text
+# Answers to pings before it is certain that what was sent earlier has had its effect.
+KEY_STEPS = 2  # GTK 4 answers the first when it has fetched the key into a queue of its own
+PASTE_STEPS = KEY_STEPS + 2  # the clipboard's targets, and its text
 
 
 class Application:
@@ -95,6 +97,11 @@ class Application:
         if self.process:
             self.desktop.processes.end(self.process)
 
+    def _wait_until_handled(self):
+        """Waits until it has handled the keys that it was sent."""
+        for _ in range(KEY_STEPS):
+            self._ping.wait_for_answer(self.window)
+
     def _shows_selection(self):
         return self._reader.is_anothers(self.shows_selection_in)
 
@@ -105,7 +112,9 @@ class Application:
             try:
                 return wait_until(is_selected, "a selection", within=1.0)
             except TimedOut:
-                return False
+                # Keys that are only late must not be pressed again: they would select once more when the test has gone on.
+                self._wait_until_handled()
+                return is_selected()
 
         wait_until(selected, f"{self.name} selects its text", within=30)
 
