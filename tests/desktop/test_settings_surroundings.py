@@ -111,12 +111,14 @@ class LongLine(SettingsWindowTest):
 
     def test_in_the_prompt_is_shown_and_can_be_gone_on_with(self):
         self.settings.open()
-        editor = self.settings.element("text", "Prompt")
-        wait_until(lambda: editor.place.height > 150, lambda: f"an editor of many lines; it is {editor.place.height} high")
+        wait_until(lambda: self.editor_height() > 150, lambda: f"an editor of many lines; it is {self.editor_height()} high")
         self.settings.click("text", "Prompt")
         self.desktop.keyboard.chord("Control", "End")
         self.desktop.keyboard.type("end")
         wait_until(lambda: self.settings.text("Prompt") == self.TEXT + "end", "the text with its new end", within=30)
+
+    def editor_height(self):
+        return self.settings.place_of("text", "Prompt").height
 
 
 class Frozen(SettingsWindowTest):

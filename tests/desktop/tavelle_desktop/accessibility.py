@@ -28,6 +28,7 @@ def join(desktop):
     os.environ["AT_SPI_BUS_ADDRESS"] = address.unpack()[0]
     os.environ["DISPLAY"] = desktop.display_name
     Atspi.init()
+    Atspi.set_timeout(10_000, 15_000)  # it is 800 ms for what has run for 15 s, which a busy machine takes now and then
     _joined = desktop.folder
 
 

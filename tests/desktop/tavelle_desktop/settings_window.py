@@ -71,10 +71,14 @@ class SettingsWindow:
         return self
 
     def shown(self):
-        return [(one.role, one.name) for one in self._frame().all() if one.name and one.role not in ("filler", "panel")]
+        return self._read(lambda: [(one.role, one.name) for one in self._frame().all()
+                                   if one.name and one.role not in ("filler", "panel")])  # fmt: skip
 
     def text(self, name):
-        return self.element("text", name).text
+        return self._read(lambda: self.element("text", name).text)
+
+    def place_of(self, role, name):
+        return self._read(lambda: self.element(role, name).place)
 
     def wait_for_text(self, name, text):
         self._until(lambda: self.text(name) == text, lambda: f"{name!r} holds {text!r}; it holds {self.text(name)!r}")
@@ -94,7 +98,7 @@ class SettingsWindow:
         wait_until(is_still, "the settings window is still", every=0.3)
 
     def icons(self):
-        return [one for one in self._frame().all() if one.role == "image" and one.place.width]
+        return self._read(lambda: [one for one in self._frame().all() if one.role == "image" and one.place.width])
 
     def darkest(self, element):
         """Of the pixels that it is made of: 0 for black, 255 for white."""
@@ -119,9 +123,12 @@ class SettingsWindow:
 
     def content_place(self):
         """What is below the header bar."""
-        frame = self._frame_place()
-        return next(one.place for one in self._frame().all()
-                    if one.role == "filler" and one.place.width == frame.width and one.place.y > 0)  # fmt: skip
+        def place():
+            frame = self._frame().place
+            return next((one.place for one in self._frame().all()
+                         if one.role == "filler" and one.place.width == frame.width and one.place.y > 0), None)  # fmt: skip
+
+        return self._until(place, lambda: f"the content has its place; the window's is {self._frame_place()}")
 
     def choose_tab(self, name):
         self.element("page tab", name).press()
@@ -150,7 +157,7 @@ class SettingsWindow:
             self._desktop.keyboard.chord("Control", "A")
             return self.element("text", name).is_all_selected
 
-        wait_until(is_selected, lambda: f"all of {name!r} is selected", every=0.1)
+        self._until(is_selected, lambda: f"all of {name!r} is selected", every=0.1)
 
     def select_row(self, name):
         self.click("list item", name)
@@ -184,7 +191,7 @@ class SettingsWindow:
             self._turn_wheel(WHEEL_DOWN if middle > HEADER + 10 else WHEEL_UP)
             return False
 
-        wait_until(is_in_sight, lambda: f"{element.name!r} is in sight", every=0.1)
+        self._until(is_in_sight, lambda: f"{element.name!r} is in sight", every=0.1)
 
     def scroll_to_end(self):
         """To the temperature, and below it to where nothing follows."""
@@ -197,14 +204,13 @@ class SettingsWindow:
             seen.append(self._settled_place(slider).y)
             return len(seen) > 1 and seen[-1] == seen[-2]
 
-        wait_until(is_at_end, "the end of the tab", every=0.1)
+        self._until(is_at_end, lambda: "the end of the tab", every=0.1)
 
     def _turn_wheel(self, wheel):
         frame = self._frame_place()
         self._desktop.pointer.click(self._left(frame) + 8, self._top(frame) + frame.height / 2, wheel)
 
-    @staticmethod
-    def _settled_place(element):
+    def _settled_place(self, element):
         """Where it is once the window has laid out what has changed before."""
         seen = []
 
@@ -213,7 +219,7 @@ class SettingsWindow:
             seen.append((place.x, place.y, place.width, place.height))
             return place if seen[-2:] == [seen[-1]] * 2 and place.width else None
 
-        return wait_until(is_settled, lambda: f"{element.name!r} stays in its place", every=0.1)
+        return self._until(is_settled, lambda: f"{element.name!r} stays in its place", every=0.1)
 
     @staticmethod
     def _middle(place):
@@ -227,7 +233,7 @@ class SettingsWindow:
         return self.place.y + (self.place.height - frame.height) / 2
 
     def _frame_place(self):
-        return self._frame().place
+        return self._read(lambda: self._frame().place)
 
     def _frame(self):
         for application in accessibility.applications():
@@ -236,12 +242,17 @@ class SettingsWindow:
                     return window
         raise GLib.Error("there is no settings window")
 
+    def _read(self, ask):
+        """What is asked, be it nothing."""
+        (answer,) = self._until(lambda: (ask(),), lambda: "the settings window can be read")
+        return answer
+
     @staticmethod
-    def _until(ask, what):
+    def _until(ask, what, every=0.01):
         def answer():
             try:
                 return ask()
             except GLib.Error:
                 return None  # it changed while it was read
 
-        return wait_until(answer, what, within=15)
+        return wait_until(answer, what, within=15, every=every)
