@@ -208,6 +208,7 @@ class ManyPresses(DesktopTest):
         self.wait_for_last()
         self.assertEqual(len(self.model.requests), 1)
         self.press_and_wait()
+        app.wait_for_paste(2)
         self.assertEqual((len(self.model.requests), len(app.pasted)), (2, 2))
 
     def press_and_wait_for_request(self):

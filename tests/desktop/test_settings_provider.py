@@ -5,6 +5,7 @@ import threading
 from tavelle_desktop.model import answer, reworded
 from tavelle_desktop.settings_journey import SettingsWindowTest
 from tavelle_desktop.settings_window import PROVIDERS
+from tavelle_desktop.waiting import wait_until
 
 KEYS = {"OpenAI": "sk-one", "Anthropic": "the-second-key", "Gemini": "a key that is the longest of all three"}
 MODELS = {"OpenAI": "gpt-4o", "Anthropic": "claude-sonnet-4-20250514", "Gemini": "gemini-2.0-flash", "Ollama": "llama3.2"}
@@ -81,6 +82,7 @@ class Testing(ProviderTabTest):
         self.assert_hotkeys_are_taken()
         self.settings.open()
         self.wait_for_test()
+        wait_until(lambda: self.model.requests, "the request")
         self.assertEqual(len(self.model.requests), 1)
         self.settings.choose_tab("About")
         self.settings.choose_tab("Provider")  # a tab starts afresh each time that it is shown
