@@ -124,7 +124,7 @@ class LockedKeyring(ProviderTabTest):
         self.wait_for_line(LOCKED)
         self.assert_hotkeys_are_alive()
         self.desktop.unlock_keyring()
-        self.wait_for_key("made-up key")  # the keyring is on the bus before it has been unlocked
+        self.assertEqual(self.stored_key(), "made-up key")
         self.desktop.screen.activate(self.settings.window)
         self.settings.select_all("API Key:")
         self.desktop.keyboard.chord("End")

@@ -22,6 +22,7 @@ from .processes import MARK, Processes
 from .screen import Screen
 from .waiting import wait_until
 
+SECRETS = "org.freedesktop.secrets"
 KEYRING_PASSWORD = "of the private desktop"
 PROMPTER = "(?i)gcr-prompter"
 SERVICES = Path("/usr/share/dbus-1/services")
@@ -96,20 +97,24 @@ class Desktop:
         self.processes.run("import", "-display", self.display_name, "-window", "root", path, within=20)
         return path
 
+    def call(self, name, path, interface, method, arguments):
+        """Calls a method on the session bus and returns what it answers."""
+        return self.bus.call_sync(name, path, interface, method, arguments, None, 0, 5000, None).unpack()
+
+    def property(self, name, path, interface, member):
+        return self.call(name, path, "org.freedesktop.DBus.Properties", "Get", GLib.Variant("(ss)", (interface, member)))[0]
+
     def name_is_owned(self, name):
-        answer = self.bus.call_sync("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameHasOwner",
-                                    GLib.Variant("(s)", (name,)), None, 0, 5000, None)  # fmt: skip
-        return answer.unpack()[0]
+        return self.call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameHasOwner",
+                         GLib.Variant("(s)", (name,)))[0]  # fmt: skip
 
     def wait_for_name(self, name, within=15.0):
         wait_until(lambda: self.name_is_owned(name), f"{name} is on the session bus", within)
 
     def tray_items(self):
         """The service names of the status items that the tray host knows."""
-        answer = self.bus.call_sync("org.kde.StatusNotifierWatcher", "/StatusNotifierWatcher", "org.freedesktop.DBus.Properties",
-                                    "Get", GLib.Variant("(ss)", ("org.kde.StatusNotifierWatcher", "RegisteredStatusNotifierItems")),
-                                    None, 0, 5000, None)  # fmt: skip
-        return answer.unpack()[0]
+        watcher = "org.kde.StatusNotifierWatcher"
+        return self.property(watcher, "/StatusNotifierWatcher", watcher, "RegisteredStatusNotifierItems")
 
     def start_tray(self):
         """A panel with a task list and a status tray, the tray at its right end."""
@@ -226,7 +231,7 @@ class Desktop:
 
     def _restart_keyring(self, unlock):
         self.processes.end(self._keyring)
-        wait_until(lambda: not self.name_is_owned("org.freedesktop.secrets"), "the keyring has ended")
+        wait_until(lambda: not self.name_is_owned(SECRETS), "the keyring has ended")
         self._start_keyring(unlock)
 
     def _start_keyring(self, unlock):
@@ -236,7 +241,18 @@ class Desktop:
         command = ["gnome-keyring-daemon", "--foreground", "--components=secrets",
                    f"--control-directory={self.folder / 'run' / 'keyring'}"]  # fmt: skip
         self._keyring = self.processes.start_reading(KEYRING_PASSWORD, "keyring", *command, *(["--unlock"] if unlock else []))
-        self.wait_for_name("org.freedesktop.secrets")
+        self.wait_for_name(SECRETS)
+        if unlock:
+            wait_until(self._keyring_is_open, "the keyring is unlocked")
+
+    def _keyring_is_open(self):
+        """Its name is on the bus before it has been unlocked, or made where there was none."""
+        try:
+            (keyring,) = self.call(SECRETS, "/org/freedesktop/secrets", "org.freedesktop.Secret.Service", "ReadAlias",
+                                   GLib.Variant("(s)", ("default",)))  # fmt: skip
+            return keyring != "/" and not self.property(SECRETS, keyring, "org.freedesktop.Secret.Collection", "Locked")
+        except GLib.Error:
+            return False  # it does not serve yet what it names
 
     def _start_notification_daemon(self):
         config = configuration.write_dunst(self.home / ".config")

@@ -54,13 +54,10 @@ class Tray:
     def menu_labels(self):
         """The menu as the panel is told of it; None stands for a separator."""
         name, _, path = self._desktop.tray_items()[0].partition("/")
-        menu = self._call(name, "/" + path, "org.freedesktop.DBus.Properties", "Get",
-                          GLib.Variant("(ss)", ("org.kde.StatusNotifierItem", "Menu")))[0]  # fmt: skip
-        _, (_, _, children) = self._call(name, menu, "com.canonical.dbusmenu", "GetLayout", GLib.Variant("(iias)", (0, -1, [])))
+        menu = self._desktop.property(name, "/" + path, "org.kde.StatusNotifierItem", "Menu")
+        _, (_, _, children) = self._desktop.call(name, menu, "com.canonical.dbusmenu", "GetLayout",
+                                                 GLib.Variant("(iias)", (0, -1, [])))  # fmt: skip
         return [None if properties.get("type") == "separator" else properties["label"] for _, properties, _ in children]
-
-    def _call(self, name, path, interface, method, arguments):
-        return self._desktop.bus.call_sync(name, path, interface, method, arguments, None, 0, 5000, None).unpack()
 
     def _item_place(self):
         """The tray is the panel's only plug-in with a process of its own; with one item in it, its window is the item."""
