@@ -18,11 +18,10 @@ class StatusItem(DesktopTest):
         self.assertEqual(self.tray.menu_labels(), ["Reword Selection", None, "Settings...", None, "Quit Tavelle"])
 
     def test_either_button_opens_its_menu(self):
-        shown = self.desktop.screen.top_windows()
         for button in (1, 3):
             self.tray.open_menu(button)
             self.desktop.keyboard.chord("Escape")
-            wait_until(lambda: self.desktop.screen.top_windows() == shown, "the menu is closed")
+            self.tray.wait_for_closed_menu()
 
     def test_reword_selection_rewords_with_the_first_profile(self):
         self.open()

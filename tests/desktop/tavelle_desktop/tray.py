@@ -12,6 +12,7 @@ LAST = 1.0
 class Tray:
     def __init__(self, desktop):
         self._desktop = desktop
+        self._menu = None
 
     def wait_for_item(self):
         wait_until(self._desktop.tray_items, "a status item in the tray", within=15)
@@ -21,11 +22,11 @@ class Tray:
         """Clicks the item and returns where the menu is. A click that the panel was not ready for is made again: the first one is
         better not the right button's, which would open a menu of the panel's own then."""
         self.wait_for_item()
-        before = {window.id for window, _ in self._desktop.screen.top_windows()}
+        before = self._windows()
 
         def menu():
-            new = [place for window, place in self._desktop.screen.top_windows() if window.id not in before]
-            return next((place for place in new if place.width > 60 and place.height > 60), None)
+            new = ((window, place) for window, place in self._windows().items() if window not in before)
+            return next(((window, place) for window, place in new if place.width > 60 and place.height > 60), None)
 
         def click():
             place = self._item_place()
@@ -35,7 +36,12 @@ class Tray:
             except TimedOut:
                 return None
 
-        return wait_until(click, "the status item's menu", within=10)
+        self._menu, place = wait_until(click, "the status item's menu", within=10)
+        return place
+
+    def wait_for_closed_menu(self):
+        """Other windows may have come meanwhile, as a tooltip does."""
+        wait_until(lambda: self._menu not in self._windows(), "the menu is closed")
 
     def choose(self, entry):
         """Clicks an entry of the menu: FIRST, MIDDLE or LAST."""
@@ -58,6 +64,9 @@ class Tray:
         _, (_, _, children) = self._desktop.call(name, menu, "com.canonical.dbusmenu", "GetLayout",
                                                  GLib.Variant("(iias)", (0, -1, [])))  # fmt: skip
         return [None if properties.get("type") == "separator" else properties["label"] for _, properties, _ in children]
+
+    def _windows(self):
+        return {window.id: place for window, place in self._desktop.screen.top_windows()}
 
     def _item_place(self):
         """The tray is the panel's only plug-in with a process of its own; with one item in it, its window is the item."""
