@@ -168,7 +168,9 @@ class WithNoManager(DesktopTest):
         self.press_and_wait()
         first = self.tavelle.process
         self.quit()
+        wait_until(lambda: not self.desktop.tray_items(), "the status item has gone")
         self.tavelle.start().wait_ready()
+        wait_until(self.desktop.tray_items, "the new one's status item, which comes once it has looked which keys are down")
         self.press_and_wait()
         self.assertEqual(app.wait_for_paste(2), reworded(TEXT))
         self.assert_clipboard_is_back()

@@ -84,10 +84,10 @@ class SessionBus(DesktopTest):
 
     def test_it_starts_and_works_without_a_session_bus(self):
         self.configure_tavelle()
-        app = self.scripted()
         self.own_clipboard()
         self.desktop.end_session_bus()
         self.tavelle.start().wait_ready()
+        app = self.scripted()
         self.tavelle.press_hotkey()
         self.assertEqual(app.wait_for_paste(within=20), reworded(TEXT))
         self.assertTrue(self.tavelle.runs(), self.tavelle.output())
