@@ -100,5 +100,5 @@ class LongPrompt(SettingsWindowTest):
 
     def wait_for_prompt(self, prompt):
         wait_until(lambda: self.stored_prompt() == prompt,
-                   lambda: f"the prompt of {len(prompt)} characters; stored are {len(self.stored_profile()['systemPrompt'])}",
+                   lambda: f"the prompt of {len(prompt)} characters; stored are {len(self.stored_prompt())}",
                    within=60)  # fmt: skip
