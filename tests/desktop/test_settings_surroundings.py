@@ -61,7 +61,7 @@ class DarkMode(SettingsWindowTest):
 
     def test_is_followed_while_the_window_is_open(self):
         self.settings.open()
-        self.assertGreater(self.brightness(), 200)
+        wait_until(lambda: self.brightness() > 200, lambda: f"a light window; its brightness is {self.brightness()}")
         for is_dark, is_shown in ((True, lambda: self.brightness() < 80), (False, lambda: self.brightness() > 200)):
             configuration.write_application_settings(self.desktop.home / ".config", is_dark)
             wait_until(is_shown, lambda is_dark=is_dark: f"the window with dark mode {is_dark}; its brightness is {self.brightness()}")
