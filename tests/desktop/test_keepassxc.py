@@ -30,7 +30,7 @@ class PasswordManagerTest(SettingsWindowTest):
         self.settings.wait_for_text("API Key:", self.key)
 
     def wait_for_entries(self, *entries):
-        """It may leave its file without the last of several changes, until it is locked."""
+        """It writes its file when it is locked."""
         self.manager.lock()
         wait_until(lambda: self.manager.entries() == list(entries),
                    lambda: f"{entries} in the database; it has {self.manager.entries()}", every=0.2)  # fmt: skip

@@ -14,6 +14,7 @@ PASSWORD = "of the database"
 ENTRY = "The key of my model"
 NOTES = "to be renewed in May"
 SETTINGS = """[General]
+AutoSaveAfterEveryChange=false
 ConfigVersion=2
 UpdateCheckMessageShown=true
 
@@ -41,7 +42,8 @@ class Entry:
 
 class KeePassXC:
     """A database that is open and shared with other programs. It has the person's own entry for the provider "custom", with this key,
-    or none where that is empty. Where it asks, the person must let each program have each entry."""
+    or none where that is empty. Where it asks, the person must let each program have each entry. Its file is written when it is
+    locked: where each change is, one that comes while another is being written may be left out for good."""
 
     def __init__(self, desktop, key, asks):
         self._desktop = desktop
