@@ -81,7 +81,7 @@ TEST_F(RewordOverTheWire, tellsThatTheServerFellSilent) {
 
 TEST_F(RewordOverTheWire, waitsForAServerThatKeepsSending) {
   platform.patience = std::chrono::seconds{1};
-  EXPECT_EQ(lastWordFromOneThat("text=abc,trickle=0.05"), "Done!");
+  EXPECT_EQ(lastWordFromOneThat("text=abc,trickle=0.01"), "Done!");
   EXPECT_EQ(pasted, "abc");
 }
 
