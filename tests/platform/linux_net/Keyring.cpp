@@ -35,6 +35,8 @@ void Keyring::startWith(const std::vector<std::string>& options, const std::stri
   daemon_.emplace(command);
   daemon_->write(input);
   daemon_->closeInput();
+  // It has its name before it has the objects that are called by it, and closes its output when it has all.
+  daemon_->readAll();
   if (!bus_.waitForOwner("org.freedesktop.secrets")) fatalError("gnome-keyring-daemon did not start");
 }
 
