@@ -1,5 +1,9 @@
 #include "tests/platform/linux_net/PrivateBus.h"
 
+#include "platform/FatalError.h"
+
+#include <chrono>
+
 namespace tavelle::tests {
 namespace {
 
@@ -45,7 +49,12 @@ void PrivateBus::waitForNoOwner(const std::string& name) const {
                                      "--method",
                                      "org.freedesktop.DBus.NameHasOwner",
                                      name};
-  while (ChildProcess{ask}.readLine() != "(false,)") continue;
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  std::string answer;
+  do {
+    answer = ChildProcess{ask}.readLine();
+  } while (answer == "(true,)" && std::chrono::steady_clock::now() < deadline);
+  if (answer != "(false,)") fatalError("the bus does not tell that nobody has the name " + name);
 }
 
 }  // namespace tavelle::tests

@@ -16,7 +16,7 @@ class PrivateBus {
   // Whether the name gets an owner within ten seconds.
   bool waitForOwner(const std::string& name) const;
 
-  // Until the bus has noticed that the owner has gone.
+  // Until the bus has noticed that the owner has gone, for which it has ten seconds.
   void waitForNoOwner(const std::string& name) const;
 
  private:
