@@ -21,9 +21,7 @@ class SessionOnTheNetwork {
   }
   URLRequest answeredWithoutHTTP(const Data& body) { return behaving("garbage=" + percentEncoded(body)); }
   URLRequest unanswered() { return behaving("silence"); }
-  static URLRequest refused() {
-    return post("http://127.0.0.1:" + std::to_string(StandIn{}.port()) + "/");  // one that has ended
-  }
+  static URLRequest refused() { return post("http://127.0.0.1:1/"); }
 
   std::vector<SentRequest> sent() const { return asSent(server_.requests()); }
   bool waitForSent(std::size_t count) const { return server_.waitForRequests(count).size() == count; }

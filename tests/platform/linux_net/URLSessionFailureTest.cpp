@@ -185,10 +185,9 @@ TEST_F(LinuxURLSessionFailureTest, wordsThatNeverHoldTheKey) {
   const StandIn secure{{"--tls", authority.certificate(), authority.key()}};
   const std::string key = "?key=AIza-secret";
   for (const std::string& url :
-       {"http://127.0.0.1:" + std::to_string(closedPort()) + "/" + key, "http://nonexistent.invalid/" + key,
-        "ftp://127.0.0.1/" + key, "/models" + key, secure.baseURL("https") + "/" + key,
-        server.baseURL("https") + "/" + key, server.baseURLBehaving("truncate") + "/" + key,
-        server.baseURLBehaving("redirect=302,times=100") + "/" + key}) {
+       {"http://127.0.0.1:1/" + key, "http://nonexistent.invalid/" + key, "ftp://127.0.0.1/" + key, "/models" + key,
+        secure.baseURL("https") + "/" + key, server.baseURL("https") + "/" + key,
+        server.baseURLBehaving("truncate") + "/" + key, server.baseURLBehaving("redirect=302,times=100") + "/" + key}) {
     EXPECT_EQ(failure(post(url, "")).errorDescription().find("secret"), std::string::npos) << url;
   }
 }

@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <cstdint>
 #include <memory>
 #include <string>
 #include <utility>
@@ -32,9 +31,6 @@ class URLSessionFixture : public testing::Test {
   Load start(URLRequest request) { return Load{session_, std::move(request), executor_}; }
   URLResult load(URLRequest request) { return start(std::move(request)).result(); }
   URLError failure(URLRequest request) { return start(std::move(request)).error(); }
-
-  // A port of the loopback interface where nothing listens.
-  static std::uint16_t closedPort() { return StandIn{}.port(); }
 
   QueueExecutor executor_;
   std::shared_ptr<TransferProcess> process_ = std::make_shared<TransferProcess>();
