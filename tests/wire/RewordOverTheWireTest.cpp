@@ -1,6 +1,7 @@
 #include "app/AppDelegate.h"
 #include "settings/SettingsManager.h"
 #include "tests/platform/linux/MainLoop.h"
+#include "tests/support/Environment.h"
 #include "tests/support/StandIn.h"
 #include "tests/wire/WiredPlatform.h"
 
@@ -69,6 +70,7 @@ TEST_F(RewordOverTheWire, tellsThatNobodyListens) {
 }
 
 TEST_F(RewordOverTheWire, tellsThatThereIsNoSuchHost) {
+  const Environment resolver{quickResolver};
   EXPECT_EQ(lastWordFrom("http://nonexistent.invalid/v1"),
             "Error: A server with the specified hostname could not be found.");
 }

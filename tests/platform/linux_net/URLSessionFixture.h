@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/linux/URLSession.h"
+#include "tests/support/Environment.h"
 #include "tests/support/Load.h"
 #include "tests/support/StandIn.h"
 
@@ -32,6 +33,7 @@ class URLSessionFixture : public testing::Test {
   URLResult load(URLRequest request) { return start(std::move(request)).result(); }
   URLError failure(URLRequest request) { return start(std::move(request)).error(); }
 
+  Environment resolver_{quickResolver};  // before the program that talks to servers is started
   QueueExecutor executor_;
   std::shared_ptr<TransferProcess> process_ = std::make_shared<TransferProcess>();
   LinuxURLSession session_{URLSessionConfiguration{long_}, process_};
