@@ -10,14 +10,9 @@ namespace {
 constexpr gint64 immediately = 0;
 constexpr gint64 never = -1;
 
-// In milliseconds of the server's clock. A keyboard at the end of a wire (a remote desktop, a nested server) may repeat
-// a key by letting it go and pressing it again at once. No finger is as quick with a key that it has held for so long.
-constexpr xcb_timestamp_t shortestDelay = 150;
-constexpr xcb_timestamp_t longestGap = 40;
-
 // Time stamps are whole milliseconds, of a clock that may itself be one behind. Whoever waits this long after a release
 // was heard of finds the next press more than the longest gap after it.
-constexpr gint64 gapIsOver = 1000 * gint64{longestGap + 2};
+constexpr gint64 gapIsOver = 1000 * gint64{HeldKeys::longestGap + 2};
 
 gint64 microseconds(std::chrono::milliseconds duration) {
   return std::chrono::microseconds{duration}.count();

@@ -43,6 +43,12 @@ class HeldKeys {
     std::chrono::milliseconds whole = std::chrono::seconds{60};
   };
 
+  // In milliseconds of the server's clock. A keyboard at the end of a wire (a remote desktop, a nested server) may
+  // repeat a key by letting it go and pressing it again at once. No finger is as quick with a key that it has held for
+  // so long.
+  static constexpr xcb_timestamp_t shortestDelay = 150;
+  static constexpr xcb_timestamp_t longestGap = 40;
+
   HeldKeys(Connection& connection, Keyboard& keyboard, HotKeyGrabs& grabs);
   HeldKeys(Connection& connection, Keyboard& keyboard, HotKeyGrabs& grabs, Limits limits);
   ~HeldKeys();

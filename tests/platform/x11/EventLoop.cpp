@@ -24,9 +24,9 @@ bool waitUntil(const std::function<bool()>& isTrue) {
   return isTrue();
 }
 
-void passTime(Connection& connection) {
+void passTime(Connection& connection, xcb_timestamp_t milliseconds) {
   const auto before = connection.serverTime();
-  while (!connection.isLost() && connection.serverTime() - before < 2) {
+  while (!connection.isLost() && connection.serverTime() - before < milliseconds) {
   }
 }
 
