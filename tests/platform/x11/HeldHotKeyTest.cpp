@@ -72,12 +72,29 @@ class HotKeyAtAKeyboard : public testing::Test {
     EXPECT_TRUE(waitUntil([&] { return window.strokeCount("q") == before + 1; }));
   }
 
-  // A hotkey is registered while its keys are down, as one is that was recorded by pressing it.
-  void expectNoPressBeforeItIsLetGo() {
+  // Presses a hotkey's keys and registers it then, as one is that was recorded by pressing it. False where that took so
+  // long that the first repeat, 0.6 s after the press, may come too soon to be told from a press: all is as before
+  // then.
+  bool registerWhileItIsHeld() {
+    constexpr xcb_timestamp_t inTime = 400;
+    const auto before = backend.connection->serverTime();
     press({keySuper, keyShift, keyY});
-    ASSERT_TRUE(waitUntil([this] { return window.strokeCount("Shift+Super+y") == 1; }));
+    EXPECT_TRUE(waitUntil([this] { return window.strokeCount("Shift+Super+y") >= 1; }));
     settle(*backend.connection);
-    ASSERT_EQ(backend.registerHotKey(kVK_ANSI_Y, superShift, 2), noErr);
+    EXPECT_EQ(backend.registerHotKey(kVK_ANSI_Y, superShift, 2), noErr);
+    if (backend.connection->serverTime() - before <= inTime) return true;
+    release({keyY, keyShift, keySuper});
+    EXPECT_TRUE(isLetGo());
+    EXPECT_EQ(backend.carbonEvents.unregisterEventHotKey(backend.hotKeys.back()), noErr);
+    settle(*backend.connection);
+    backend.presses.clear();
+    keyPresses = 0;
+    window.forget();
+    return false;
+  }
+
+  void expectNoPressBeforeItIsLetGo() {
+    while (!registerWhileItIsHeld()) ASSERT_FALSE(HasFailure());
     ASSERT_TRUE(waitUntil([this] { return keyPresses >= 10; })) << "it repeats";
     release({keyY, keyShift, keySuper});
     ASSERT_TRUE(isLetGo());
