@@ -4,15 +4,15 @@
 
 namespace tavelle::x11 {
 
-PasteDebt::PasteDebt(Connection& connection, MainActor& actor)
-    : connection_(connection), expiry_(actor, [this] { cancel(); }) {}
+PasteDebt::PasteDebt(Connection& connection, MainActor& actor, Limits limits)
+    : connection_(connection), limits_(limits), expiry_(actor, [this] { cancel(); }) {}
 
 void PasteDebt::incur(xcb_window_t focus, std::shared_ptr<const ClipboardContents> owed) {
   const bool isKnown = focus > XCB_INPUT_FOCUS_POINTER_ROOT && focus != connection_.root();
   creditor_ = isKnown ? focus : static_cast<xcb_window_t>(XCB_WINDOW_NONE);
   owed_ = std::move(owed);
   isServed_ = false;
-  expiry_.set(claimLimit);
+  expiry_.set(limits_.claim);
 }
 
 std::shared_ptr<const ClipboardContents> PasteDebt::owedTo(xcb_window_t requestor) {
@@ -24,7 +24,7 @@ std::shared_ptr<const ClipboardContents> PasteDebt::owedTo(xcb_window_t requesto
 
 void PasteDebt::noteServed() {
   if (!owed_ || std::exchange(isServed_, true)) return;
-  expiry_.set(graceAfterServing);
+  expiry_.set(limits_.graceAfterServing);
 }
 
 void PasteDebt::cancel() {

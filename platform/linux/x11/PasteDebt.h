@@ -14,12 +14,14 @@ namespace tavelle::x11 {
 // only when they have been replaced, it is still given these and not their successors. Main thread only.
 class PasteDebt {
  public:
-  // Applications that are well fetch within 23 ms of the key; one that stalls has this long.
-  static constexpr std::chrono::milliseconds claimLimit{2'000};
-  // Toolkits ask several times for one paste. From the first value served the rest of it has this long.
-  static constexpr std::chrono::milliseconds graceAfterServing{500};
+  struct Limits {
+    // Applications that are well fetch within 23 ms of the key; one that stalls has this long.
+    std::chrono::milliseconds claim{2'000};
+    // Toolkits ask several times for one paste. From the first value served the rest of it has this long.
+    std::chrono::milliseconds graceAfterServing{500};
+  };
 
-  PasteDebt(Connection& connection, MainActor& actor);
+  PasteDebt(Connection& connection, MainActor& actor, Limits limits);
 
   // A paste key stroke went to the window with the focus, or to an unknown one (XCB_WINDOW_NONE): then whoever asks
   // first is taken for the one, unless it is the clipboard manager.
@@ -37,6 +39,7 @@ class PasteDebt {
   bool isClipboardManager(xcb_window_t requestor) const;
 
   Connection& connection_;
+  Limits limits_;
   xcb_window_t creditor_ = XCB_WINDOW_NONE;
   std::shared_ptr<const ClipboardContents> owed_;
   bool isServed_ = false;

@@ -17,10 +17,11 @@ constexpr std::array readTextTargets = {targetUTF8String, targetPlainTextUTF8, t
 
 }  // namespace
 
-X11Pasteboard::X11Pasteboard(Connection& connection, MainActor& actor, PostedEditingKeys& postedKeys)
+X11Pasteboard::X11Pasteboard(Connection& connection, MainActor& actor, PostedEditingKeys& postedKeys,
+                             PasteDebt::Limits debtLimits)
     : connection_(connection),
       reader_(connection, actor, connection.atom("CLIPBOARD")),
-      debt_(connection, actor),
+      debt_(connection, actor, debtLimits),
       owner_(connection, actor, connection.atom("CLIPBOARD"), debt_),
       copyWatch_(connection, actor, owner_),
       handOver_(connection, actor, owner_),

@@ -22,7 +22,8 @@ namespace tavelle::x11 {
 class X11Pasteboard final : public Pasteboard {
  public:
   // `postedKeys` tells of the copy and paste keys that this program sends.
-  X11Pasteboard(Connection& connection, MainActor& actor, PostedEditingKeys& postedKeys);
+  X11Pasteboard(Connection& connection, MainActor& actor, PostedEditingKeys& postedKeys,
+                PasteDebt::Limits debtLimits = PasteDebt::Limits{});
 
   Task<std::optional<std::vector<PasteboardType>>> types() override;
   Task<std::optional<Data>> dataForType(PasteboardType type) override;

@@ -17,6 +17,8 @@ class PasteDebtTest : public PasteboardTest {
     pasteboard->setData("<b>restored</b>", "text/html");
   }
 
+  static constexpr PasteDebt::Limits limits{};
+
   PeerRequestor application{actor};
   PeerRequestor other{actor};
 };
@@ -33,6 +35,8 @@ TEST_F(PasteDebtTest, servesTheAnswerToTheApplicationThatIsLate) {
 }
 
 TEST_F(PasteDebtTest, servesEveryRequestOfOnePaste) {
+  pasteboard = std::make_unique<X11Pasteboard>(*connection, actor, postedKeys,
+                                               PasteDebt::Limits{.claim = 1min, .graceAfterServing = 1min});
   pasteInto(application.window());
   EXPECT_EQ(application.data("UTF8_STRING"), "the answer");
   restore();
@@ -44,7 +48,7 @@ TEST_F(PasteDebtTest, isOverSoonAfterThePasteWasServed) {
   pasteInto(application.window());
   EXPECT_EQ(application.data("UTF8_STRING"), "the answer");
   restore();
-  pass(PasteDebt::graceAfterServing);
+  pass(limits.graceAfterServing);
   EXPECT_EQ(application.data("UTF8_STRING"), "restored");
 }
 
@@ -52,14 +56,14 @@ TEST_F(PasteDebtTest, isNotOverBecauseTheTargetsWereListed) {
   pasteInto(application.window());
   EXPECT_FALSE(application.targets().empty());
   restore();
-  pass(PasteDebt::graceAfterServing * 2);
+  pass(limits.graceAfterServing * 2);
   EXPECT_EQ(application.data("UTF8_STRING"), "the answer");
 }
 
 TEST_F(PasteDebtTest, isOverWhereNobodyComes) {
   pasteInto(application.window());
   restore();
-  pass(PasteDebt::claimLimit);
+  pass(limits.claim);
   EXPECT_EQ(application.data("UTF8_STRING"), "restored");
 }
 
