@@ -130,6 +130,10 @@ class SlowApplications(DesktopTest):
     def test_a_copy_that_takes_a_second_is_waited_for(self):
         self.check(copy_after=1.0)
 
+    def test_a_copy_that_is_given_up_at_once_is_made_again(self):
+        """As LibreOffice does on a busy machine, where the key comes while it looks at the clipboard that was just emptied."""
+        self.check(gives_up=1)
+
     def check(self, **manners):
         self.start_tavelle()
         app = self.scripted(**manners)

@@ -17,7 +17,8 @@ Desktop::Desktop(std::unique_ptr<Connection> connection, MainActor& mainActor)
       heldKeys_(*connection_, keyboard_, grabs_),
       carbonEvents_(*connection_, grabs_, heldKeys_),
       quartzEvents_(*connection_, keyboard_, heldKeys_, postedEditingKeys_),
-      pasteboard_(*connection_, mainActor, postedEditingKeys_),
+      pasteboard_(*connection_, mainActor, postedEditingKeys_,
+                  [this](const PostedEditingKey& posted) { quartzEvents_.repeat(posted); }),
       accessibility_(*connection_),
       pointerPresses_(*connection_) {}
 

@@ -21,8 +21,10 @@ namespace tavelle::x11 {
 // format of its own go back with the same. What this program itself put there is read without asking the server.
 class X11Pasteboard final : public Pasteboard {
  public:
-  // `postedKeys` tells of the copy and paste keys that this program sends.
-  X11Pasteboard(Connection& connection, MainActor& actor, PostedEditingKeys& postedKeys,
+  using Repeat = std::function<void(const PostedEditingKey& posted)>;
+
+  // `postedKeys` tells of the copy and paste keys that this program sends; `repeat` sends one of them once more.
+  X11Pasteboard(Connection& connection, MainActor& actor, PostedEditingKeys& postedKeys, Repeat repeat,
                 PasteDebt::Limits debtLimits = PasteDebt::Limits{});
 
   Task<std::optional<std::vector<PasteboardType>>> types() override;
@@ -50,16 +52,21 @@ class X11Pasteboard final : public Pasteboard {
   std::vector<PasteboardType> namesOf(const std::vector<xcb_atom_t>& targets);
   std::optional<Data> ownData(xcb_atom_t target);
   std::optional<std::string> ownText();
+  Task<std::optional<std::string>> selectedText();
   Task<std::optional<std::string>> readText();
+  bool wasGivenUp() const;
   bool offerText(std::string text);
   PropertyFormat formatFor(xcb_atom_t target, std::size_t size) const;
 
   Connection& connection_;
+  const xcb_atom_t selection_;
   SelectionReader reader_;
   PasteDebt debt_;
   SelectionOwner owner_;
   CopyWatch copyWatch_;
   ClipboardHandOver handOver_;
+  const Repeat repeat_;
+  std::optional<PostedEditingKey> copied_;        // since the contents were cleared
   std::map<xcb_atom_t, PropertyFormat> formats_;  // of the data read since types() was last asked
   Subscription postedKeys_;
 };

@@ -74,7 +74,7 @@ void X11QuartzEvents::post(EventTapLocation, const KeyboardEvent& posted) {
   }
 }
 
-void X11QuartzEvents::postEditingKey(EditingKey key) {
+void X11QuartzEvents::postEditingKey(EditingKey key, std::optional<xcb_window_t> onlyTo) {
   const auto focusCookie = xcb_get_input_focus(connection_);
   const auto keysCookie = xcb_query_keymap(connection_);
   const auto stateCookie = xcb_xkb_get_state(connection_, XCB_XKB_ID_USE_CORE_KBD);
@@ -82,6 +82,9 @@ void X11QuartzEvents::postEditingKey(EditingKey key) {
   const XcbReply<xcb_query_keymap_reply_t> keys{xcb_query_keymap_reply(connection_, keysCookie, nullptr)};
   const XcbReply<xcb_xkb_get_state_reply_t> state{xcb_xkb_get_state_reply(connection_, stateCookie, nullptr)};
   if (!focus || !keys || !state) return;
+  const bool isWindow = focus->focus != XCB_INPUT_FOCUS_POINTER_ROOT;
+  const auto window = isWindow ? focus->focus : xcb_window_t{XCB_WINDOW_NONE};
+  if (onlyTo && *onlyTo != window) return;
 
   const auto editingKeys = editingKeysOf(connection_, windowOfKeys(connection_, focus->focus));
   if (editingKeys == EditingKeys::none) return;
@@ -97,8 +100,7 @@ void X11QuartzEvents::postEditingKey(EditingKey key) {
   // Without its modifier the key would write over the selection.
   if (std::ranges::count(stroke.modifierKeys, xcb_keycode_t{0}) > 0) return;
   heldKeys_.send(stroke, keySetOf(keys->keys));
-  const bool isWindow = focus->focus != XCB_INPUT_FOCUS_POINTER_ROOT;
-  posted_.send({key, isWindow ? focus->focus : xcb_window_t{XCB_WINDOW_NONE}});
+  posted_.send({key, window});
 }
 
 std::optional<xcb_keycode_t> X11QuartzEvents::keyFor(char letter, std::uint8_t group) {

@@ -26,10 +26,13 @@ class X11QuartzEvents : public QuartzEvents {
   void setFlags(KeyboardEvent& event, std::uint64_t flags) override;
   void post(EventTapLocation tap, const KeyboardEvent& event) override;
 
+  // Sends a stroke once more, unless another window has the keyboard by now.
+  void repeat(const PostedEditingKey& posted) { postEditingKey(posted.key, posted.focus); }
+
  private:
   struct Event;
 
-  void postEditingKey(EditingKey key);
+  void postEditingKey(EditingKey key, std::optional<xcb_window_t> onlyTo = std::nullopt);
   std::optional<xcb_keycode_t> keyFor(char letter, std::uint8_t group);
   void postPlainKey(const Event& event);
 

@@ -20,12 +20,13 @@ class ScriptedApplication:
 
     copy_after, paste_after: seconds between the key and what follows from it. A busy application answers nothing meanwhile,
     not even the question whether it is alive; one that is not busy does, as a program does that works on a thread.
-    With pastes_when_told it asks for what is pasted when paste_now() is called.
+    With pastes_when_told it asks for what is pasted when paste_now() is called. The first copies, so many as gives_up says, take the
+    clipboard and give it up again at once.
     """
 
     name = "scripted"
 
-    def __init__(self, desktop, text, copy_after=0.0, paste_after=0.0, is_busy=True, pastes_when_told=False):
+    def __init__(self, desktop, text, copy_after=0.0, paste_after=0.0, is_busy=True, pastes_when_told=False, gives_up=0):
         self.desktop = desktop
         self.selected = text
         self.pasted = []
@@ -34,6 +35,7 @@ class ScriptedApplication:
         self._paste_after = paste_after
         self._is_busy = is_busy
         self._pastes_when_told = pastes_when_told
+        self._gives_up = gives_up
         self._owner = None
         self._ends = False
         self._later = []
@@ -133,6 +135,10 @@ class ScriptedApplication:
         if self._owner:
             self._owner.close()
         self._owner = SelectionOwner(self.desktop.display_name, [Representation("UTF8_STRING", self.selected.encode())])
+        if self._gives_up > 0:
+            self._gives_up -= 1
+            self._owner.close()
+            self._owner = None
 
     def _paste(self):
         self.pasted.append(self._reader.text())

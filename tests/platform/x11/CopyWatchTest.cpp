@@ -13,6 +13,11 @@ class CopyWatchTest : public PasteboardTest {
     copied.own();
   }
 
+  void takeAndGiveUpClipboard() {
+    takeClipboard("selected");
+    copied.giveUp();
+  }
+
   void takeClipboardAfter(std::chrono::milliseconds time, const std::string& selected) {
     actor.postAfter(time, [this, selected] {
       takeClipboard(selected);
@@ -35,6 +40,7 @@ class CopyWatchTest : public PasteboardTest {
   }
 
   PeerOwner copied;
+  std::vector<xcb_window_t> repeated;
   std::chrono::steady_clock::time_point pressed;
 };
 
@@ -45,6 +51,52 @@ TEST_F(CopyWatchTest, readsAtOnceWhatIsThere) {
   settle(*connection);
   EXPECT_EQ(text(), "selected");
   EXPECT_LT(since(pressed), CopyWatch::leastWait);
+}
+
+TEST_F(CopyWatchTest, copiesAgainWhereTheClipboardWasTakenAndGivenUpAtOnce) {
+  PeerApplication application;
+  onRepeat = [&](const PostedEditingKey& posted) {
+    repeated.push_back(posted.focus);
+    press(posted.key, posted.focus);
+    takeClipboard("selected");
+  };
+  copyFrom(application);
+  takeAndGiveUpClipboard();
+  EXPECT_EQ(text(), "selected");
+  EXPECT_EQ(repeated, std::vector{application.focus()});
+}
+
+TEST_F(CopyWatchTest, copiesThreeTimesAtMost) {
+  PeerApplication application;
+  onRepeat = [&](const PostedEditingKey& posted) {
+    repeated.push_back(posted.focus);
+    press(posted.key, posted.focus);
+    takeAndGiveUpClipboard();
+  };
+  copyFrom(application);
+  takeAndGiveUpClipboard();
+  EXPECT_EQ(text(), std::nullopt);
+  EXPECT_EQ(repeated.size(), 2u);
+}
+
+TEST_F(CopyWatchTest, doesNotCopyAgainWhereAnotherWindowHasTheKeyboardByNow) {
+  PeerApplication application;
+  onRepeat = [&](const PostedEditingKey& posted) { repeated.push_back(posted.focus); };  // nothing is sent then
+  copyFrom(application);
+  takeAndGiveUpClipboard();
+  EXPECT_EQ(text(), std::nullopt);
+  EXPECT_EQ(repeated.size(), 1u);
+}
+
+TEST_F(CopyWatchTest, doesNotCopyAgainWhereSomethingElseThanTextWasCopied) {
+  PeerApplication application;
+  onRepeat = [&](const PostedEditingKey& posted) { repeated.push_back(posted.focus); };
+  copyFrom(application);
+  copied.offer("image/png", "a picture");
+  copied.own();
+  settle(*connection);
+  EXPECT_EQ(text(), std::nullopt);
+  EXPECT_TRUE(repeated.empty());
 }
 
 TEST_F(CopyWatchTest, waitsForAnApplicationThatIsStillAtWork) {

@@ -157,6 +157,21 @@ TEST_F(KeyStrokes, tellWhichWindowGotThem) {
   EXPECT_EQ(backend->notices[1].focus, window.window());
 }
 
+TEST_F(KeyStrokes, areRepeatedForTheWindowThatGotThem) {
+  KeyWindow window;
+  backend->post(EditingKey::copy);
+  const auto posted = backend->notices.at(0);
+  backend->quartzEvents.repeat(posted);
+  EXPECT_TRUE(waitUntil([&] { return window.strokes() == Strokes(2, "Control+c"); }));
+  EXPECT_EQ(backend->notices.size(), 2u);
+  KeyWindow other;
+  backend->quartzEvents.repeat(posted);
+  backend->post(EditingKey::paste);
+  EXPECT_TRUE(waitUntil([&] { return !other.strokes().empty(); }));
+  EXPECT_EQ(other.strokes(), Strokes{"Control+v"});
+  EXPECT_EQ(window.strokes().size(), 2u);
+}
+
 TEST_F(KeyStrokes, tellNoWindowWhereTheServerNamesNone) {
   for (const xcb_window_t focus : {xcb_window_t{XCB_INPUT_FOCUS_POINTER_ROOT}, xcb_window_t{XCB_INPUT_FOCUS_NONE}}) {
     xcb_set_input_focus(*backend->connection, XCB_INPUT_FOCUS_NONE, focus, XCB_CURRENT_TIME);

@@ -35,8 +35,7 @@ TEST_F(PasteDebtTest, servesTheAnswerToTheApplicationThatIsLate) {
 }
 
 TEST_F(PasteDebtTest, servesEveryRequestOfOnePaste) {
-  pasteboard = std::make_unique<X11Pasteboard>(*connection, actor, postedKeys,
-                                               PasteDebt::Limits{.claim = 1min, .graceAfterServing = 1min});
+  pasteboard = makePasteboard({.claim = 1min, .graceAfterServing = 1min});
   pasteInto(application.window());
   EXPECT_EQ(application.data("UTF8_STRING"), "the answer");
   restore();

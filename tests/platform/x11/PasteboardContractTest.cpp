@@ -40,7 +40,7 @@ class Clipboard {
   GLibMainActor actor_;
   std::unique_ptr<x11::Connection> connection_ = x11::Connection::open();
   x11::PostedEditingKeys postedKeys_;
-  x11::X11Pasteboard pasteboard_{*connection_, actor_, postedKeys_};
+  x11::X11Pasteboard pasteboard_{*connection_, actor_, postedKeys_, [](const x11::PostedEditingKey&) {}};
   std::unique_ptr<x11::tests::PeerOwner> owner_;
 };
 

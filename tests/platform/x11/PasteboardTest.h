@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -43,6 +44,11 @@ class PasteboardTest : public testing::Test {
   std::optional<Data> data(const PasteboardType& type) { return resultOf(actor, pasteboard->dataForType(type)); }
   std::optional<std::string> text() { return resultOf(actor, pasteboard->stringForType(pasteboardTypeString)); }
 
+  std::unique_ptr<X11Pasteboard> makePasteboard(PasteDebt::Limits debtLimits = PasteDebt::Limits{}) {
+    return std::make_unique<X11Pasteboard>(
+        *connection, actor, postedKeys, [this](const auto& posted) { onRepeat(posted); }, debtLimits);
+  }
+
   // Puts text there, as the answer of a run is put.
   void write(const std::string& text) {
     pasteboard->clearContents();
@@ -67,7 +73,8 @@ class PasteboardTest : public testing::Test {
   GLibMainActor actor;
   std::unique_ptr<Connection> connection = Connection::open();
   PostedEditingKeys postedKeys;
-  std::unique_ptr<X11Pasteboard> pasteboard = std::make_unique<X11Pasteboard>(*connection, actor, postedKeys);
+  std::function<void(const PostedEditingKey&)> onRepeat = [](const PostedEditingKey&) {};
+  std::unique_ptr<X11Pasteboard> pasteboard = makePasteboard();
 };
 
 }  // namespace tavelle::x11::tests

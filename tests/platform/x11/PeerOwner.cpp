@@ -18,6 +18,11 @@ void PeerOwner::own() {
   if (!owns()) fatalError("the peer could not take the selection");
 }
 
+void PeerOwner::giveUp() {
+  xcb_set_selection_owner(*connection_, XCB_WINDOW_NONE, selection_, connection_->serverTime());
+  connection_->flush();
+}
+
 bool PeerOwner::owns() {
   const auto cookie = xcb_get_selection_owner(*connection_, selection_);
   const XcbReply<xcb_get_selection_owner_reply_t> owner{xcb_get_selection_owner_reply(*connection_, cookie, nullptr)};

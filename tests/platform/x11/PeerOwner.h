@@ -31,6 +31,8 @@ class PeerOwner {
 
   // Takes the selection now.
   void own();
+  // Leaves the selection to nobody.
+  void giveUp();
   bool owns();
   // Another program has taken it.
   bool wasCleared() const { return wasCleared_; }
