@@ -74,6 +74,11 @@ void X11QuartzEvents::post(EventTapLocation, const KeyboardEvent& posted) {
   }
 }
 
+void X11QuartzEvents::repeat(const PostedEditingKey& posted) {
+  const bool isOneWindow = posted.focus != XCB_WINDOW_NONE && posted.focus != connection_.root();  // not the pointer's
+  if (isOneWindow) postEditingKey(posted.key, posted.focus);
+}
+
 void X11QuartzEvents::postEditingKey(EditingKey key, std::optional<xcb_window_t> onlyTo) {
   const auto focusCookie = xcb_get_input_focus(connection_);
   const auto keysCookie = xcb_query_keymap(connection_);

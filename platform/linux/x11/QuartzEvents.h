@@ -26,8 +26,8 @@ class X11QuartzEvents : public QuartzEvents {
   void setFlags(KeyboardEvent& event, std::uint64_t flags) override;
   void post(EventTapLocation tap, const KeyboardEvent& event) override;
 
-  // Sends a stroke once more, unless another window has the keyboard by now.
-  void repeat(const PostedEditingKey& posted) { postEditingKey(posted.key, posted.focus); }
+  // Sends a stroke once more, unless another window may have the keyboard by now.
+  void repeat(const PostedEditingKey& posted);
 
  private:
   struct Event;

@@ -166,6 +166,8 @@ TEST_F(KeyStrokes, areRepeatedForTheWindowThatGotThem) {
   EXPECT_EQ(backend->notices.size(), 2u);
   KeyWindow other;
   backend->quartzEvents.repeat(posted);
+  backend->quartzEvents.repeat({EditingKey::copy, XCB_WINDOW_NONE});
+  backend->quartzEvents.repeat({EditingKey::copy, backend->connection->root()});
   backend->post(EditingKey::paste);
   EXPECT_TRUE(waitUntil([&] { return !other.strokes().empty(); }));
   EXPECT_EQ(other.strokes(), Strokes{"Control+v"});
