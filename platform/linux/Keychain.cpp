@@ -3,7 +3,9 @@
 #include "platform/linux/SecretPrompt.h"
 #include "platform/linux/SecretServiceClient.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -25,30 +27,36 @@ struct SecretServiceKeychain::Connection {
   explicit Connection(GObjectPtr<SecretService> opened) : service(std::move(opened)) {}
 
   GObjectPtr<SecretService> service;
-  std::optional<SecretPrompt> prompt;  // the last one
-  bool searchesLocked = true;          // whether it answers a search before it is unlocked
+  std::optional<SecretPrompt> prompt;            // the last one
+  std::optional<KeychainItemQuery> promptAbout;  // which change alone it is about
+  bool searchesLocked = true;                    // whether it answers a search before it is unlocked
 };
 
 SecretServiceKeychain::SecretServiceKeychain(const Limits& limits) : limits_(limits), context_(g_main_context_new()) {}
 
+// What still waits in the context holds the bus connection.
 SecretServiceKeychain::~SecretServiceKeychain() {
-  if (!postponed_.empty()) perform([](SecretServiceClient&) { return errSecSuccess; });
   connection_.reset();
-  // What still waits in the context holds the bus connection.
   while (g_main_context_iteration(context_.get(), false)) continue;
+}
+
+OSStatus SecretServiceKeychain::perform(const Operation& operation) {
+  valueAhead_.reset();
+  const auto status = attempt(operation);
+  noticeAnswer();
+  return status;
 }
 
 // Runs `operation` on the connection at hand. Where that fails, the service may have been started anew since the
 // connection was made: then once more on a fresh one, in what is left of the time.
-OSStatus SecretServiceKeychain::perform(const Change& operation) {
-  valueAhead_.reset();
+OSStatus SecretServiceKeychain::attempt(const Operation& operation) {
   BoundedCalls calls{context_.get(), wasSilent_ ? limits_.call / patienceAfterSilence : limits_.call};
   while (true) {
     const bool isFresh = !connection_;
     try {
       if (isFresh) connection_ = std::make_unique<Connection>(SecretServiceClient::open(calls));
       SecretServiceClient client{calls, connection_->service.get()};
-      catchUp(client, isFresh);
+      makeWhatWaits(client, isFresh);
       const auto status = operation(client);
       wasSilent_ = false;
       return status;
@@ -62,32 +70,63 @@ OSStatus SecretServiceKeychain::perform(const Change& operation) {
   }
 }
 
-// Makes a change; where the person has to agree first, it is kept until they have.
-OSStatus SecretServiceKeychain::change(const KeychainItemQuery& query, const Change& change) {
+// Makes a change, in place of what waits for the same query; where the person has to agree first, it waits for that.
+OSStatus SecretServiceKeychain::make(const Change& change, bool mayWait) {
   justRead_.reset();
-  dropPostponed(query);
-  const auto status = perform(change);
-  if (status == errSecInteractionNotAllowed && !wasRefused()) postponed_.push_back({query, change});
+  forget(change.query);
+  const auto status = perform(change.operation);
+  if (status == errSecInteractionNotAllowed && mayWait && !wasRefused()) {
+    waiting_.push_back(change);
+    noticeAnswer();
+  }
   return told(status);
 }
 
-// Returns whether there was one.
-bool SecretServiceKeychain::dropPostponed(const KeychainItemQuery& query) {
-  return std::erase_if(postponed_, [&](const auto& each) { return each.query == query; }) > 0;
+bool SecretServiceKeychain::isWaiting(const KeychainItemQuery& query) const {
+  return std::ranges::any_of(waiting_, [&](const auto& each) { return each.query == query; });
 }
 
-// Makes up for the changes that were kept, unless the person still looks at the question.
-void SecretServiceKeychain::catchUp(SecretServiceClient& client, bool isFresh) {
-  while (!postponed_.empty() && !isAsking()) {
-    if (wasRefused()) return postponed_.clear();
-    try {
-      postponed_.front().change(client);
-    } catch (const SecretServiceError& error) {
-      if (error.status == errSecInteractionNotAllowed && !wasRefused()) return;
-      if (error.status != errSecInteractionNotAllowed && (!isFresh || client.calls().isTimeUp())) throw;
-    }
-    postponed_.erase(postponed_.begin());
+void SecretServiceKeychain::forget(const KeychainItemQuery& query) {
+  std::erase_if(waiting_, [&](const auto& each) { return each.query == query; });
+}
+
+void SecretServiceKeychain::makeWhatWaits(SecretServiceClient& client, bool isFresh) {
+  dropWhatWasRefused();
+  for (auto each = waiting_.begin(); each != waiting_.end();) {
+    each = mustWait(client, *each, isFresh) ? std::next(each) : waiting_.erase(each);
   }
+}
+
+// Makes a change that has waited, unless the person still looks at the question. What fails for another reason than
+// them, on a connection that is known to work, would fail for ever.
+bool SecretServiceKeychain::mustWait(SecretServiceClient& client, const Change& change, bool isFresh) {
+  try {
+    change.operation(client);
+    return false;
+  } catch (const SecretServiceError& error) {
+    const bool isQuestion = error.status == errSecInteractionNotAllowed;
+    if (client.calls().isTimeUp() || (!isQuestion && !isFresh)) throw;
+    return isQuestion && isAsking();
+  }
+}
+
+// A no to a change is for that one; a no to unlocking is for all.
+void SecretServiceKeychain::dropWhatWasRefused() {
+  if (!wasRefused()) return;
+  if (const auto& about = connection_->promptAbout) {
+    forget(*about);
+  } else {
+    waiting_.clear();
+  }
+  connection_->prompt.reset();
+}
+
+void SecretServiceKeychain::noticeAnswer() {
+  if (waiting_.empty() || !connection_ || !isAsking()) return;
+  connection_->prompt->whenAnswered([this] {
+    const std::lock_guard lock{mutex_};
+    told(perform([](SecretServiceClient&) { return errSecSuccess; }));
+  });
 }
 
 bool SecretServiceKeychain::isLocked() {
@@ -113,7 +152,7 @@ OSStatus SecretServiceKeychain::told(OSStatus status) {
 
 OSStatus SecretServiceKeychain::secItemAdd(const KeychainItemQuery& item, const Data& value, KeychainAccessible) {
   const std::lock_guard lock{mutex_};
-  return change(item, [=, this](SecretServiceClient& client) { return add(client, item, value); });
+  return make({item, [=, this](SecretServiceClient& client) { return add(client, item, value); }});
 }
 
 OSStatus SecretServiceKeychain::secItemCopyMatching(const KeychainItemQuery& query, std::optional<Data>& value) {
@@ -127,24 +166,21 @@ OSStatus SecretServiceKeychain::secItemCopyMatching(const KeychainItemQuery& que
 
 OSStatus SecretServiceKeychain::secItemDelete(const KeychainItemQuery& query) {
   const std::lock_guard lock{mutex_};
-  // Where the keyring is locked, a key that was typed may stand in a field that showed nothing of the stored one. Taken
-  // away again, it takes nothing along.
-  const bool takesBack = dropPostponed(query);
-  const auto status = change(query, [=, this](SecretServiceClient& client) { return remove(client, query); });
-  if (takesBack) dropPostponed(query);
-  return status;
+  const bool isSeen = std::ranges::find(seen_, query) != seen_.end();
+  return make({query, [=, this](SecretServiceClient& client) { return remove(client, query); }}, isSeen);
 }
 
 OSStatus SecretServiceKeychain::replaceItem(const KeychainItemQuery& item, const Data& value, KeychainAccessible) {
   const std::lock_guard lock{mutex_};
-  return change(
-      item, [=, this, known = justRead_](SecretServiceClient& client) { return replace(client, item, value, known); });
+  return make({item, [=, this, known = justRead_](SecretServiceClient& client) {
+                 return replace(client, item, value, known);
+               }});
 }
 
 void SecretServiceKeychain::readAhead() {
   const std::lock_guard lock{mutex_};
   valueAhead_.reset();
-  if (!connection_ || !readLast_ || !postponed_.empty() || wasSilent_) return;
+  if (!connection_ || !readLast_ || !waiting_.empty() || wasSilent_) return;
   BoundedCalls calls{context_.get(), limits_.readingAhead};
   SecretServiceClient client{calls, connection_->service.get()};
   try {
@@ -165,17 +201,24 @@ std::optional<Data> SecretServiceKeychain::takeValueAhead(const KeychainItemQuer
 OSStatus SecretServiceKeychain::read(SecretServiceClient& client, const KeychainItemQuery& query,
                                      std::optional<Data>& value) {
   readLast_.reset();
+  if (isWaiting(query)) throw SecretServiceError{errSecInteractionNotAllowed};  // what is there is about to change
   const auto items = usableItems(client, query);
   if (items.empty()) return errSecItemNotFound;
   value = client.secret(items.front());
   readLast_ = {query, items.front()};
+  see(query);
   return errSecSuccess;
+}
+
+void SecretServiceKeychain::see(const KeychainItemQuery& query) {
+  if (std::ranges::find(seen_, query) == seen_.end()) seen_.push_back(query);
 }
 
 OSStatus SecretServiceKeychain::add(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value) {
   if (!usableItems(client, item).empty()) return errSecDuplicateItem;
   if (unlockDefaultCollection(client) && !usableItems(client, item).empty()) return errSecDuplicateItem;
   create(client, item, value);
+  see(item);
   return errSecSuccess;
 }
 
@@ -188,6 +231,7 @@ OSStatus SecretServiceKeychain::replace(SecretServiceClient& client, const Keych
     // What is known may stand there in other words, as a reference to another entry.
     if (known != KnownValue{each, std::hash<Data>{}(value)}) client.setSecret(each, value);
   }
+  see(item);
   return errSecSuccess;
 }
 
@@ -195,7 +239,7 @@ OSStatus SecretServiceKeychain::remove(SecretServiceClient& client, const Keycha
   const auto removeEach = [&](const std::vector<std::string>& items) {
     for (const auto& item : items) {
       const auto outcome = client.deleteItem(item);
-      if (!outcome.prompt.empty()) ask(client, outcome.prompt);
+      if (!outcome.prompt.empty()) ask(client, outcome.prompt, query);
     }
   };
   const auto found = search(client, query);
@@ -208,12 +252,12 @@ void SecretServiceKeychain::create(SecretServiceClient& client, const KeychainIt
   auto collection = client.defaultCollection();
   if (collection.empty()) {
     const auto created = client.createDefaultCollection();
-    if (!created.prompt.empty()) ask(client, created.prompt);
+    if (!created.prompt.empty()) ask(client, created.prompt, std::nullopt);
     collection = created.prompt.empty() ? created.object : client.defaultCollection();
     if (collection.empty()) throw SecretServiceError{errSecNotAvailable};
   }
   const auto created = client.createItem(collection, item, value);
-  if (!created.prompt.empty()) ask(client, created.prompt);
+  if (!created.prompt.empty()) ask(client, created.prompt, item);
 }
 
 // The matching items that are unlocked; where all are locked, these, once the service has unlocked them.
@@ -263,16 +307,18 @@ bool SecretServiceKeychain::unlockDefaultCollection(SecretServiceClient& client)
 void SecretServiceKeychain::unlock(SecretServiceClient& client, const std::vector<std::string>& objects) {
   if (isAsking()) throw SecretServiceError{errSecInteractionNotAllowed};
   const auto outcome = client.unlock(objects);
-  if (!outcome.prompt.empty()) ask(client, outcome.prompt);
+  if (!outcome.prompt.empty()) ask(client, outcome.prompt, std::nullopt);
 }
 
 // Returns once the service has done what it asks about; throws where the person has not agreed, or not yet. They are
 // asked one thing at a time, however often a key is wanted in the meantime.
-void SecretServiceKeychain::ask(SecretServiceClient& client, const std::string& prompt) {
+void SecretServiceKeychain::ask(SecretServiceClient& client, const std::string& prompt,
+                                const std::optional<KeychainItemQuery>& about) {
   if (isAsking()) throw SecretServiceError{errSecInteractionNotAllowed};
   auto* proxy = G_DBUS_PROXY(connection_->service.get());
   const GPtr<> owner{g_dbus_proxy_get_name_owner(proxy)};
   if (!owner) throw SecretServiceError{errSecNotAvailable};
+  connection_->promptAbout = about;
   auto& question = connection_->prompt.emplace(g_dbus_proxy_get_connection(proxy), owner.get(), prompt);
   client.calls().waitUntil([&] { return !question.isOpen(); }, limits_.question);
   if (!question.isAgreed()) throw SecretServiceError{errSecInteractionNotAllowed};

@@ -24,8 +24,8 @@ struct SecretItems;
 // Where the service is missing or does not answer in time, the status is errSecNotAvailable. Where the person has to
 // agree first (to unlock or to create a keyring, to let Tavelle have an item, to delete one), it is
 // errSecInteractionNotAllowed: the service's own question is on the screen then, or they have just said no, and the
-// call that comes after they agreed succeeds. A change that they have not said no to is made up for before that call
-// does anything else, and at the latest in the destructor.
+// call that comes after they agreed succeeds. A change that they have not said no to waits for the answer: it is made
+// when that has come, which the default main context has to be served for, or by the next call, whichever is first.
 class SecretServiceKeychain : public Keychain {
  public:
   struct Limits {
@@ -49,8 +49,8 @@ class SecretServiceKeychain : public Keychain {
   OSStatus secItemAdd(const KeychainItemQuery& item, const Data& value, KeychainAccessible accessible) override;
   OSStatus secItemCopyMatching(const KeychainItemQuery& query, std::optional<Data>& value) override;
 
-  // Deletes every matching item, those that are not locked before anything is asked. Where an earlier change of the
-  // item still waits for the person, both are forgotten once this one has to wait, too.
+  // Deletes every matching item, those that are not locked before anything is asked. Does not wait for the person where
+  // nothing was ever read of the item, or stored in it: they cannot mean what they have not seen.
   OSStatus secItemDelete(const KeychainItemQuery& query) override;
 
   // Changes every matching item where it is, all or none, unless it was just read and had that value: its label, its
@@ -68,12 +68,11 @@ class SecretServiceKeychain : public Keychain {
 
   struct Connection;
 
-  // What is done to the items of a query.
-  using Change = std::function<OSStatus(SecretServiceClient&)>;
+  using Operation = std::function<OSStatus(SecretServiceClient&)>;
 
-  struct PostponedChange {
+  struct Change {
     KeychainItemQuery query;
-    Change change;
+    Operation operation;
   };
 
   struct Reading {
@@ -94,14 +93,20 @@ class SecretServiceKeychain : public Keychain {
     Clock::time_point read;
   };
 
-  OSStatus perform(const Change& operation);
-  OSStatus change(const KeychainItemQuery& query, const Change& change);
-  bool dropPostponed(const KeychainItemQuery& query);
-  void catchUp(SecretServiceClient& client, bool isFresh);
+  OSStatus perform(const Operation& operation);
+  OSStatus attempt(const Operation& operation);
+  OSStatus make(const Change& change, bool mayWait = true);
+  bool isWaiting(const KeychainItemQuery& query) const;
+  void forget(const KeychainItemQuery& query);
+  void makeWhatWaits(SecretServiceClient& client, bool isFresh);
+  bool mustWait(SecretServiceClient& client, const Change& change, bool isFresh);
+  void dropWhatWasRefused();
+  void noticeAnswer();
   bool isLocked();
   std::optional<Data> takeValueAhead(const KeychainItemQuery& query);
   OSStatus told(OSStatus status);
 
+  void see(const KeychainItemQuery& query);
   OSStatus read(SecretServiceClient& client, const KeychainItemQuery& query, std::optional<Data>& value);
   OSStatus add(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value);
   OSStatus replace(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value,
@@ -116,7 +121,7 @@ class SecretServiceKeychain : public Keychain {
                                          const std::vector<std::string>& locked);
   bool unlockDefaultCollection(SecretServiceClient& client);
   void unlock(SecretServiceClient& client, const std::vector<std::string>& objects);
-  void ask(SecretServiceClient& client, const std::string& prompt);
+  void ask(SecretServiceClient& client, const std::string& prompt, const std::optional<KeychainItemQuery>& about);
   bool isAsking() const;
   bool wasRefused() const;
 
@@ -126,7 +131,8 @@ class SecretServiceKeychain : public Keychain {
   GMainContextPtr context_;
   std::unique_ptr<Connection> connection_;  // kept from call to call; dropped when a call fails
   bool wasSilent_ = false;
-  std::vector<PostponedChange> postponed_;  // one for each query
+  std::vector<Change> waiting_;          // for the person; one for each query
+  std::vector<KeychainItemQuery> seen_;  // read, or stored
   std::optional<Reading> readLast_;
   std::optional<KnownValue> justRead_;    // until the next call but readAhead()
   std::optional<ValueAhead> valueAhead_;  // until the next call, whatever that is

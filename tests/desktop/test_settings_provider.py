@@ -114,9 +114,9 @@ class LockedKeyring(ProviderTabTest):
         self.paste_into("API Key:", "pasted while locked")
         self.wait_for_line(LOCKED)
         self.desktop.unlock_keyring_as_asked()
+        self.wait_for_key("pasted while locked")
         self.assert_hotkeys_are_alive()
         self.assertEqual(self.model.requests[-1][0]["Authorization"], "Bearer pasted while locked")
-        self.wait_for_key("pasted while locked")
 
     def test_what_is_typed_stays_in_the_field_and_is_stored_once_the_keyring_is_unlocked(self):
         self.desktop.lock_keyring()
