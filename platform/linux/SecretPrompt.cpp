@@ -1,7 +1,5 @@
 #include "platform/linux/SecretPrompt.h"
 
-#include <utility>
-
 namespace tavelle {
 namespace {
 
@@ -13,8 +11,9 @@ constexpr std::chrono::minutes longestLife{5};
 SecretPrompt::SecretPrompt(GDBusConnection* connection, const char* service, const std::string& path)
     : connection_(G_DBUS_CONNECTION(g_object_ref(connection))),
       service_(service),
-      path_(path),
-      completed_(subscribe(&SecretPrompt::onCompleted)),
+      subscription_(g_dbus_connection_signal_subscribe(connection, service, promptInterface, "Completed", path.c_str(),
+                                                       nullptr, G_DBUS_SIGNAL_FLAGS_NONE, &SecretPrompt::onCompleted,
+                                                       this, nullptr)),
       askedAt_(std::chrono::steady_clock::now()),
       asking_(g_cancellable_new()) {
   constexpr const char* noWindow = "";
@@ -24,19 +23,7 @@ SecretPrompt::SecretPrompt(GDBusConnection* connection, const char* service, con
 
 SecretPrompt::~SecretPrompt() {
   g_cancellable_cancel(asking_.get());
-  g_dbus_connection_signal_unsubscribe(connection_.get(), completed_);
-  if (answered_ != 0) g_dbus_connection_signal_unsubscribe(connection_.get(), answered_);
-}
-
-guint SecretPrompt::subscribe(GDBusSignalCallback callback) {
-  return g_dbus_connection_signal_subscribe(connection_.get(), service_.c_str(), promptInterface, "Completed",
-                                            path_.c_str(), nullptr, G_DBUS_SIGNAL_FLAGS_NONE, callback, this, nullptr);
-}
-
-void SecretPrompt::whenAnswered(std::function<void()> answered) {
-  if (answered_ != 0) return;
-  whenAnswered_ = std::move(answered);
-  answered_ = subscribe(&SecretPrompt::onAnswered);
+  g_dbus_connection_signal_unsubscribe(connection_.get(), subscription_);
 }
 
 bool SecretPrompt::isOpen() const {
@@ -58,12 +45,6 @@ void SecretPrompt::onCompleted(GDBusConnection*, const char*, const char*, const
   gboolean isDismissed = true;
   if (g_variant_is_of_type(outcome, G_VARIANT_TYPE("(bv)"))) g_variant_get(outcome, "(bv)", &isDismissed, nullptr);
   self->state_ = isDismissed ? State::refused : State::agreed;
-}
-
-void SecretPrompt::onAnswered(GDBusConnection*, const char*, const char*, const char*, const char*, GVariant*,
-                              gpointer data) {
-  const auto answered = static_cast<SecretPrompt*>(data)->whenAnswered_;  // may be the end of the prompt
-  answered();
 }
 
 }  // namespace tavelle

@@ -5,13 +5,12 @@
 #include <gio/gio.h>
 
 #include <chrono>
-#include <functional>
 #include <string>
 
 namespace tavelle {
 
 // A question that the Secret Service asks the person in its own window, or answers itself where it was told to ask
-// nothing. Made with the main context pushed on which the answer is to be noticed.
+// nothing. Made and destroyed with the main context pushed on which the answer is to be noticed.
 class SecretPrompt {
  public:
   // Has the service of this unique name ask.
@@ -27,27 +26,18 @@ class SecretPrompt {
   bool isAgreed() const { return state_ == State::agreed; }
   bool isRefused() const { return state_ == State::refused; }
 
-  // Calls `answered` in the thread's main context of now, once the answer has come. Only the first one is.
-  void whenAnswered(std::function<void()> answered);
-
   const std::string& service() const { return service_; }
 
  private:
   enum class State { asked, agreed, refused, failed };
 
   static void onAsked(GObject* connection, GAsyncResult* result, gpointer self);
-  guint subscribe(GDBusSignalCallback callback);
   static void onCompleted(GDBusConnection*, const char*, const char*, const char*, const char*, GVariant*,
                           gpointer self);
-  static void onAnswered(GDBusConnection*, const char*, const char*, const char*, const char*, GVariant*,
-                         gpointer self);
 
   GObjectPtr<GDBusConnection> connection_;
   std::string service_;
-  std::string path_;
-  guint completed_;
-  guint answered_ = 0;
-  std::function<void()> whenAnswered_;
+  guint subscription_;
   std::chrono::steady_clock::time_point askedAt_;
   GObjectPtr<GCancellable> asking_;
   State state_ = State::asked;

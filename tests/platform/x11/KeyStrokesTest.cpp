@@ -166,12 +166,23 @@ TEST_F(KeyStrokes, areRepeatedForTheWindowThatGotThem) {
   EXPECT_EQ(backend->notices.size(), 2u);
   KeyWindow other;
   backend->quartzEvents.repeat(posted);
-  backend->quartzEvents.repeat({EditingKey::copy, XCB_WINDOW_NONE});
-  backend->quartzEvents.repeat({EditingKey::copy, backend->connection->root()});
   backend->post(EditingKey::paste);
   EXPECT_TRUE(waitUntil([&] { return !other.strokes().empty(); }));
   EXPECT_EQ(other.strokes(), Strokes{"Control+v"});
   EXPECT_EQ(window.strokes().size(), 2u);
+}
+
+TEST_F(KeyStrokes, areNotRepeatedWhereThePointerSaysWhoGetsThem) {
+  const auto root = backend->connection->root();
+  for (const xcb_window_t focus :
+       {xcb_window_t{XCB_INPUT_FOCUS_POINTER_ROOT}, xcb_window_t{XCB_INPUT_FOCUS_NONE}, root}) {
+    xcb_set_input_focus(*backend->connection, XCB_INPUT_FOCUS_NONE, focus, XCB_CURRENT_TIME);
+    backend->notices.clear();
+    backend->post(EditingKey::copy);
+    ASSERT_EQ(backend->notices.size(), 1u);
+    backend->quartzEvents.repeat(backend->notices[0]);
+    EXPECT_EQ(backend->notices.size(), 1u);
+  }
 }
 
 TEST_F(KeyStrokes, tellNoWindowWhereTheServerNamesNone) {
