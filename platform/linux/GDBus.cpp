@@ -36,6 +36,12 @@ GVariant* onGetProperty(GDBusConnection*, const char*, const char*, const char*,
   return static_cast<Object*>(box)->property(property);
 }
 
+using Emitted = std::function<void(GVariant*)>;
+
+void onSignal(GDBusConnection*, const char*, const char*, const char*, const char*, GVariant* arguments, gpointer box) {
+  (*static_cast<Emitted*>(box))(arguments);
+}
+
 std::shared_ptr<GDBusConnection> shared(GDBusConnection* connection) {
   return {G_DBUS_CONNECTION(g_object_ref(connection)), g_object_unref};
 }
@@ -100,6 +106,13 @@ void call(GDBusConnection* connection, const Method& method, GVariant* arguments
   const gpointer box = reply ? boxed(std::move(reply)) : nullptr;
   g_dbus_connection_call(connection, method.destination, method.path, method.interface, method.name, arguments, nullptr,
                          G_DBUS_CALL_FLAGS_NONE, usualTimeout, nullptr, callback, box);
+}
+
+Registration subscribe(GDBusConnection* connection, const Signal& signal, std::function<void(GVariant*)> emitted) {
+  const guint id = g_dbus_connection_signal_subscribe(connection, signal.sender, signal.interface, signal.name,
+                                                      signal.path, nullptr, G_DBUS_SIGNAL_FLAGS_NONE, onSignal,
+                                                      boxed(std::move(emitted)), freeBox<Emitted>);
+  return Registration{[kept = shared(connection), id] { g_dbus_connection_signal_unsubscribe(kept.get(), id); }};
 }
 
 void emit(GDBusConnection* connection, const char* path, const char* interface, const char* signal,

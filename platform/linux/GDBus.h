@@ -9,11 +9,11 @@
 #include <string_view>
 #include <utility>
 
-// D-Bus by GIO, with function objects in place of callbacks and tokens in place of numbers. All callbacks come on the
-// main thread.
+// D-Bus by GIO, with function objects in place of callbacks and tokens in place of numbers. Callbacks come on the main
+// context that was the thread's own when they were given: on the main thread where nobody pushed another.
 namespace tavelle::dbus {
 
-// Undoes a registration when it goes: unexports an object, gives up a name, ends a watch.
+// Undoes a registration when it goes: unexports an object, gives up a name, ends a watch or a subscription.
 class [[nodiscard]] Registration {
  public:
   Registration() = default;
@@ -69,6 +69,16 @@ using Reply = std::function<void(GVariantPtr result, const GError* error)>;
 
 // Calls a method without waiting. `arguments` is a tuple, floating, or null; `reply` may be empty.
 void call(GDBusConnection* connection, const Method& method, GVariant* arguments, Reply reply);
+
+struct Signal {
+  const char* sender;
+  const char* path;  // null for any
+  const char* interface;
+  const char* name;
+};
+
+// Calls `emitted` with each such signal's arguments as a tuple. It may end the subscription itself.
+Registration subscribe(GDBusConnection* connection, const Signal& signal, std::function<void(GVariant*)> emitted);
 
 void emit(GDBusConnection* connection, const char* path, const char* interface, const char* signal,
           GVariant* arguments);

@@ -1,5 +1,6 @@
 #include "platform/linux/Keychain.h"
 
+#include "platform/linux/GDBus.h"
 #include "platform/linux/SecretPrompt.h"
 #include "platform/linux/SecretServiceClient.h"
 
@@ -28,7 +29,9 @@ struct SecretServiceKeychain::Connection {
 
   GObjectPtr<SecretService> service;
   std::optional<SecretPrompt> prompt;            // the last one
-  std::optional<KeychainItemQuery> promptAbout;  // which change alone it is about
+  std::optional<KeychainItemQuery> promptAbout;  // the item that it alone is about
+  bool isOutdated = false;                       // whether the change it is about has been superseded
+  std::vector<dbus::Registration> answers;       // subscriptions, while a change waits
   bool searchesLocked = true;                    // whether it answers a search before it is unlocked
 };
 
@@ -43,7 +46,7 @@ SecretServiceKeychain::~SecretServiceKeychain() {
 OSStatus SecretServiceKeychain::perform(const Operation& operation) {
   valueAhead_.reset();
   const auto status = attempt(operation);
-  noticeAnswer();
+  listenForAnswers();
   return status;
 }
 
@@ -70,16 +73,23 @@ OSStatus SecretServiceKeychain::attempt(const Operation& operation) {
   }
 }
 
-// Makes a change, in place of what waits for the same query; where the person has to agree first, it waits for that.
+// Makes a change, in place of what waits for the same item; where the person has to agree first, it waits for that.
 OSStatus SecretServiceKeychain::make(const Change& change, bool mayWait) {
   justRead_.reset();
   forget(change.query);
-  const auto status = perform(change.operation);
+  if (isAskingAbout(change.query)) connection_->isOutdated = true;
+  const auto status = perform([&](SecretServiceClient& client) { return tryToMake(client, change); });
   if (status == errSecInteractionNotAllowed && mayWait && !wasRefused()) {
     waiting_.push_back(change);
-    noticeAnswer();
+    listenForAnswers();
   }
   return told(status);
+}
+
+// What the service does when the person agrees to an earlier change of the item must not undo this one.
+OSStatus SecretServiceKeychain::tryToMake(SecretServiceClient& client, const Change& change) {
+  if (isAskingAbout(change.query)) throw SecretServiceError{errSecInteractionNotAllowed};
+  return change.operation(client);
 }
 
 bool SecretServiceKeychain::isWaiting(const KeychainItemQuery& query) const {
@@ -101,7 +111,7 @@ void SecretServiceKeychain::makeWhatWaits(SecretServiceClient& client, bool isFr
 // them, on a connection that is known to work, would fail for ever.
 bool SecretServiceKeychain::mustWait(SecretServiceClient& client, const Change& change, bool isFresh) {
   try {
-    change.operation(client);
+    tryToMake(client, change);
     return false;
   } catch (const SecretServiceError& error) {
     const bool isQuestion = error.status == errSecInteractionNotAllowed;
@@ -113,20 +123,30 @@ bool SecretServiceKeychain::mustWait(SecretServiceClient& client, const Change& 
 // A no to a change is for that one; a no to unlocking is for all.
 void SecretServiceKeychain::dropWhatWasRefused() {
   if (!wasRefused()) return;
-  if (const auto& about = connection_->promptAbout) {
-    forget(*about);
-  } else {
+  if (const auto& about = connection_->promptAbout; !about) {
     waiting_.clear();
+  } else if (!connection_->isOutdated) {
+    forget(*about);
   }
   connection_->prompt.reset();
 }
 
-void SecretServiceKeychain::noticeAnswer() {
-  if (waiting_.empty() || !connection_ || !isAsking()) return;
-  connection_->prompt->whenAnswered([this] {
-    const std::lock_guard lock{mutex_};
-    told(perform([](SecretServiceClient&) { return errSecSuccess; }));
-  });
+// Has what waits made once the person has answered, or has unlocked the keyring in another way.
+void SecretServiceKeychain::listenForAnswers() {
+  if (!connection_) return;
+  auto& answers = connection_->answers;
+  if (waiting_.empty()) answers.clear();
+  if (waiting_.empty() || !answers.empty()) return;
+  auto* service = G_DBUS_PROXY(connection_->service.get());
+  const auto listenFor = [&](const char* interface, const char* signal, const auto& isReason) {
+    const dbus::Signal wanted{g_dbus_proxy_get_name(service), nullptr, interface, signal};
+    answers.push_back(dbus::subscribe(g_dbus_proxy_get_connection(service), wanted, [this, isReason](GVariant*) {
+      const std::lock_guard lock{mutex_};
+      if (isReason()) told(perform([](SecretServiceClient&) { return errSecSuccess; }));
+    }));
+  };
+  listenFor("org.freedesktop.Secret.Prompt", "Completed", [] { return true; });
+  listenFor("org.freedesktop.Secret.Service", "CollectionChanged", [this] { return !isLocked(); });
 }
 
 bool SecretServiceKeychain::isLocked() {
@@ -161,13 +181,14 @@ OSStatus SecretServiceKeychain::secItemCopyMatching(const KeychainItemQuery& que
   const auto status =
       value ? errSecSuccess : perform([&](SecretServiceClient& client) { return read(client, query, value); });
   justRead_ = value ? std::optional{KnownValue{readLast_->item, std::hash<Data>{}(*value)}} : std::nullopt;
+  setSeen(query, value.has_value());
   return told(status);
 }
 
 OSStatus SecretServiceKeychain::secItemDelete(const KeychainItemQuery& query) {
   const std::lock_guard lock{mutex_};
-  const bool isSeen = std::ranges::find(seen_, query) != seen_.end();
-  return make({query, [=, this](SecretServiceClient& client) { return remove(client, query); }}, isSeen);
+  const bool isTheirs = isSeen(query) || isAskingAbout(query);
+  return make({query, [=, this](SecretServiceClient& client) { return remove(client, query); }}, isTheirs);
 }
 
 OSStatus SecretServiceKeychain::replaceItem(const KeychainItemQuery& item, const Data& value, KeychainAccessible) {
@@ -206,19 +227,23 @@ OSStatus SecretServiceKeychain::read(SecretServiceClient& client, const Keychain
   if (items.empty()) return errSecItemNotFound;
   value = client.secret(items.front());
   readLast_ = {query, items.front()};
-  see(query);
   return errSecSuccess;
 }
 
-void SecretServiceKeychain::see(const KeychainItemQuery& query) {
-  if (std::ranges::find(seen_, query) == seen_.end()) seen_.push_back(query);
+bool SecretServiceKeychain::isSeen(const KeychainItemQuery& query) const {
+  return std::ranges::find(seen_, query) != seen_.end();
+}
+
+void SecretServiceKeychain::setSeen(const KeychainItemQuery& query, bool isSeen) {
+  std::erase(seen_, query);
+  if (isSeen) seen_.push_back(query);
 }
 
 OSStatus SecretServiceKeychain::add(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value) {
   if (!usableItems(client, item).empty()) return errSecDuplicateItem;
   if (unlockDefaultCollection(client) && !usableItems(client, item).empty()) return errSecDuplicateItem;
   create(client, item, value);
-  see(item);
+  setSeen(item, true);
   return errSecSuccess;
 }
 
@@ -231,7 +256,7 @@ OSStatus SecretServiceKeychain::replace(SecretServiceClient& client, const Keych
     // What is known may stand there in other words, as a reference to another entry.
     if (known != KnownValue{each, std::hash<Data>{}(value)}) client.setSecret(each, value);
   }
-  see(item);
+  setSeen(item, true);
   return errSecSuccess;
 }
 
@@ -242,10 +267,13 @@ OSStatus SecretServiceKeychain::remove(SecretServiceClient& client, const Keycha
       if (!outcome.prompt.empty()) ask(client, outcome.prompt, query);
     }
   };
-  const auto found = search(client, query);
+  auto found = search(client, query);
+  const auto isNothing = [&] { return found.unlocked.empty() && found.locked.empty(); };
+  if (isNothing() && isSeen(query) && unlockDefaultCollection(client)) found = search(client, query);
   removeEach(found.unlocked);
   if (!found.locked.empty()) removeEach(unlockedItems(client, query, found.locked));
-  return found.unlocked.empty() && found.locked.empty() ? errSecItemNotFound : errSecSuccess;
+  setSeen(query, false);
+  return isNothing() ? errSecItemNotFound : errSecSuccess;
 }
 
 void SecretServiceKeychain::create(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value) {
@@ -319,6 +347,7 @@ void SecretServiceKeychain::ask(SecretServiceClient& client, const std::string& 
   const GPtr<> owner{g_dbus_proxy_get_name_owner(proxy)};
   if (!owner) throw SecretServiceError{errSecNotAvailable};
   connection_->promptAbout = about;
+  connection_->isOutdated = false;
   auto& question = connection_->prompt.emplace(g_dbus_proxy_get_connection(proxy), owner.get(), prompt);
   client.calls().waitUntil([&] { return !question.isOpen(); }, limits_.question);
   if (!question.isAgreed()) throw SecretServiceError{errSecInteractionNotAllowed};
@@ -328,6 +357,10 @@ void SecretServiceKeychain::ask(SecretServiceClient& client, const std::string& 
 bool SecretServiceKeychain::isAsking() const {
   const GPtr<> owner{g_dbus_proxy_get_name_owner(G_DBUS_PROXY(connection_->service.get()))};
   return owner && connection_->prompt && connection_->prompt->isOpen() && connection_->prompt->service() == owner.get();
+}
+
+bool SecretServiceKeychain::isAskingAbout(const KeychainItemQuery& query) const {
+  return connection_ && connection_->promptAbout == query && isAsking();
 }
 
 // Whether the person has answered the last question with a no.

@@ -25,7 +25,8 @@ struct SecretItems;
 // agree first (to unlock or to create a keyring, to let Tavelle have an item, to delete one), it is
 // errSecInteractionNotAllowed: the service's own question is on the screen then, or they have just said no, and the
 // call that comes after they agreed succeeds. A change that they have not said no to waits for the answer: it is made
-// when that has come, which the default main context has to be served for, or by the next call, whichever is first.
+// when that has come, or the keyring was unlocked in another way, which the default main context has to be served for,
+// or by the next call, whichever is first.
 class SecretServiceKeychain : public Keychain {
  public:
   struct Limits {
@@ -50,7 +51,7 @@ class SecretServiceKeychain : public Keychain {
   OSStatus secItemCopyMatching(const KeychainItemQuery& query, std::optional<Data>& value) override;
 
   // Deletes every matching item, those that are not locked before anything is asked. Does not wait for the person where
-  // nothing was ever read of the item, or stored in it: they cannot mean what they have not seen.
+  // the item was neither read the last time, nor stored: they cannot mean what they have not seen.
   OSStatus secItemDelete(const KeychainItemQuery& query) override;
 
   // Changes every matching item where it is, all or none, unless it was just read and had that value: its label, its
@@ -96,17 +97,19 @@ class SecretServiceKeychain : public Keychain {
   OSStatus perform(const Operation& operation);
   OSStatus attempt(const Operation& operation);
   OSStatus make(const Change& change, bool mayWait = true);
+  OSStatus tryToMake(SecretServiceClient& client, const Change& change);
   bool isWaiting(const KeychainItemQuery& query) const;
   void forget(const KeychainItemQuery& query);
   void makeWhatWaits(SecretServiceClient& client, bool isFresh);
   bool mustWait(SecretServiceClient& client, const Change& change, bool isFresh);
   void dropWhatWasRefused();
-  void noticeAnswer();
+  void listenForAnswers();
   bool isLocked();
   std::optional<Data> takeValueAhead(const KeychainItemQuery& query);
   OSStatus told(OSStatus status);
 
-  void see(const KeychainItemQuery& query);
+  bool isSeen(const KeychainItemQuery& query) const;
+  void setSeen(const KeychainItemQuery& query, bool isSeen);
   OSStatus read(SecretServiceClient& client, const KeychainItemQuery& query, std::optional<Data>& value);
   OSStatus add(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value);
   OSStatus replace(SecretServiceClient& client, const KeychainItemQuery& item, const Data& value,
@@ -123,6 +126,7 @@ class SecretServiceKeychain : public Keychain {
   void unlock(SecretServiceClient& client, const std::vector<std::string>& objects);
   void ask(SecretServiceClient& client, const std::string& prompt, const std::optional<KeychainItemQuery>& about);
   bool isAsking() const;
+  bool isAskingAbout(const KeychainItemQuery& query) const;
   bool wasRefused() const;
 
   const Limits limits_;
@@ -132,7 +136,7 @@ class SecretServiceKeychain : public Keychain {
   std::unique_ptr<Connection> connection_;  // kept from call to call; dropped when a call fails
   bool wasSilent_ = false;
   std::vector<Change> waiting_;          // for the person; one for each query
-  std::vector<KeychainItemQuery> seen_;  // read, or stored
+  std::vector<KeychainItemQuery> seen_;  // read the last time, or stored
   std::optional<Reading> readLast_;
   std::optional<KnownValue> justRead_;    // until the next call but readAhead()
   std::optional<ValueAhead> valueAhead_;  // until the next call, whatever that is

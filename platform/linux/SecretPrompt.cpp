@@ -9,11 +9,9 @@ constexpr std::chrono::minutes longestLife{5};
 }  // namespace
 
 SecretPrompt::SecretPrompt(GDBusConnection* connection, const char* service, const std::string& path)
-    : connection_(G_DBUS_CONNECTION(g_object_ref(connection))),
-      service_(service),
-      subscription_(g_dbus_connection_signal_subscribe(connection, service, promptInterface, "Completed", path.c_str(),
-                                                       nullptr, G_DBUS_SIGNAL_FLAGS_NONE, &SecretPrompt::onCompleted,
-                                                       this, nullptr)),
+    : service_(service),
+      completed_(dbus::subscribe(connection, {service, path.c_str(), promptInterface, "Completed"},
+                                 [this](GVariant* outcome) { onCompleted(outcome); })),
       askedAt_(std::chrono::steady_clock::now()),
       asking_(g_cancellable_new()) {
   constexpr const char* noWindow = "";
@@ -23,7 +21,6 @@ SecretPrompt::SecretPrompt(GDBusConnection* connection, const char* service, con
 
 SecretPrompt::~SecretPrompt() {
   g_cancellable_cancel(asking_.get());
-  g_dbus_connection_signal_unsubscribe(connection_.get(), subscription_);
 }
 
 bool SecretPrompt::isOpen() const {
@@ -39,12 +36,10 @@ void SecretPrompt::onAsked(GObject* connection, GAsyncResult* result, gpointer d
   if (self->state_ == State::asked) self->state_ = State::failed;
 }
 
-void SecretPrompt::onCompleted(GDBusConnection*, const char*, const char*, const char*, const char*, GVariant* outcome,
-                               gpointer data) {
-  auto* self = static_cast<SecretPrompt*>(data);
+void SecretPrompt::onCompleted(GVariant* outcome) {
   gboolean isDismissed = true;
   if (g_variant_is_of_type(outcome, G_VARIANT_TYPE("(bv)"))) g_variant_get(outcome, "(bv)", &isDismissed, nullptr);
-  self->state_ = isDismissed ? State::refused : State::agreed;
+  state_ = isDismissed ? State::refused : State::agreed;
 }
 
 }  // namespace tavelle

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/linux/GDBus.h"
 #include "platform/linux/GObjectPtr.h"
 
 #include <gio/gio.h>
@@ -32,12 +33,10 @@ class SecretPrompt {
   enum class State { asked, agreed, refused, failed };
 
   static void onAsked(GObject* connection, GAsyncResult* result, gpointer self);
-  static void onCompleted(GDBusConnection*, const char*, const char*, const char*, const char*, GVariant*,
-                          gpointer self);
+  void onCompleted(GVariant* outcome);
 
-  GObjectPtr<GDBusConnection> connection_;
   std::string service_;
-  guint subscription_;
+  dbus::Registration completed_;
   std::chrono::steady_clock::time_point askedAt_;
   GObjectPtr<GCancellable> asking_;
   State state_ = State::asked;

@@ -63,6 +63,7 @@ class PasswordManager(PasswordManagerTest):
         self.paste_into("API Key:", "pasted while locked")
         self.wait_for_line(LOCKED)
         self.manager.unlock()
+        self.wait_for_key("pasted while locked")
         self.assert_sent("Bearer pasted while locked")
         self.wait_for_entries(Entry("Root", ENTRY, "pasted while locked", NOTES))
 

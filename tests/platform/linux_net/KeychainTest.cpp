@@ -79,7 +79,8 @@ class SecretServiceKeychainTest : public testing::Test {
   }
 
  private:
-  SecretServiceKeychain patient_{{.call = seconds(20), .readingAhead = seconds(20), .ageAhead = minutes(10)}};
+  SecretServiceKeychain patient_{
+      {.call = seconds(20), .question = seconds(20), .readingAhead = seconds(20), .ageAhead = minutes(10)}};
 };
 
 TEST_F(SecretServiceKeychainTest, findsWhatSecretToolStored) {
@@ -343,6 +344,13 @@ class PromptingSecretServiceTest : public SecretServiceKeychainTest {
     expectAsked("locked");
   }
 
+  // As another program has it done.
+  void unlockWithoutAsking() {
+    peer_->write("unlock\n");
+    expectAsked("unlocked");
+    hearTheService();
+  }
+
   void reuse() {
     peer_->write("reuse\n");
     expectAsked("reused");
@@ -476,6 +484,14 @@ TEST_F(PromptingSecretServiceTest, makesAChangeAsSoonAsThePersonHasAgreed) {
   expectAsked("SetSecret");
 }
 
+TEST_F(PromptingSecretServiceTest, makesAChangeAsSoonAsTheKeyringIsUnlockedInAnotherWay) {
+  start();
+  EXPECT_EQ(replace("typed"), errSecInteractionNotAllowed);
+  unlockWithoutAsking();
+  g_main_context_iteration(nullptr, true);
+  expectAsked("SetSecret");
+}
+
 TEST_F(PromptingSecretServiceTest, readsAheadNothingThatIsAboutToChange) {
   start();
   unlock();
@@ -526,6 +542,56 @@ TEST_F(PromptingSecretServiceTest, leavesTheStoredKeyWhereOneWasTypedAndTakenAwa
   lock();
   EXPECT_EQ(timesAsked("SetSecret"), 0);
   EXPECT_EQ(timesAsked("Delete"), 0);
+}
+
+TEST_F(PromptingSecretServiceTest, leavesTheStoredKeyThatCouldNotBeReadWhereOneWasTypedAndTakenAway) {
+  start();
+  unlock();
+  lock();
+  EXPECT_EQ(copy(), errSecInteractionNotAllowed);
+  EXPECT_EQ(replace("typed"), errSecInteractionNotAllowed);
+  EXPECT_EQ(remove(), errSecInteractionNotAllowed);
+  answer();
+  EXPECT_EQ(copy(), errSecSuccess);
+  EXPECT_EQ(read, "the secret");
+  lock();
+  EXPECT_EQ(timesAsked("Delete"), 0);
+}
+
+TEST_F(PromptingSecretServiceTest, keepsWhatIsStoredWhileThePersonIsAskedAboutDeletingIt) {
+  start();
+  unlock();
+  EXPECT_EQ(remove(), errSecInteractionNotAllowed);
+  EXPECT_EQ(replace("another"), errSecInteractionNotAllowed);
+  answer();  // deletes
+  EXPECT_EQ(copy(), errSecInteractionNotAllowed);
+  answer();  // stores
+  EXPECT_EQ(copy(), errSecSuccess);
+  EXPECT_EQ(read, "another");
+}
+
+TEST_F(PromptingSecretServiceTest, keepsWhatIsStoredWhileThePersonRefusesToDeleteWhatWasThere) {
+  start();
+  unlock();
+  EXPECT_EQ(remove(), errSecInteractionNotAllowed);
+  EXPECT_EQ(replace("another"), errSecInteractionNotAllowed);
+  refuse();
+  EXPECT_EQ(copy(), errSecSuccess);
+  EXPECT_EQ(read, "another");
+}
+
+TEST_F(PromptingSecretServiceTest, deletesWhatThePersonHasYetToLetItStore) {
+  start();
+  unlock();
+  EXPECT_EQ(remove(), errSecInteractionNotAllowed);
+  answer();
+  EXPECT_EQ(copy(), errSecItemNotFound);
+  EXPECT_EQ(replace("typed"), errSecInteractionNotAllowed);
+  EXPECT_EQ(remove(), errSecInteractionNotAllowed);
+  answer();
+  EXPECT_EQ(copy(), errSecInteractionNotAllowed) << "the deletion asks, too";
+  answer();
+  EXPECT_EQ(copy(), errSecItemNotFound);
 }
 
 TEST_F(PromptingSecretServiceTest, dropsAChangeThatThePersonRefuses) {
@@ -629,6 +695,14 @@ TEST_F(AgreeingSecretServiceTest, deletesAtOnceWhatItUnlocks) {
   expectAsked("answered");
 }
 
+TEST_F(AgreeingSecretServiceTest, deletesWhatItDoesNotFindAnyMoreWhileItIsLocked) {
+  start({"asks-nobody", "hides-locked"});
+  EXPECT_EQ(replace("another"), errSecSuccess);
+  lock();
+  EXPECT_EQ(remove(), errSecSuccess);
+  EXPECT_EQ(copy(), errSecItemNotFound);
+}
+
 TEST_F(AgreeingSecretServiceTest, addsAtOnceToTheKeyringThatItMakes) {
   start({"asks-nobody", "without-keyring"});
   EXPECT_EQ(replace("sk-added"), errSecSuccess);
@@ -660,6 +734,14 @@ TEST_F(UnlockedFirstTest, isLockedAndAsksToBeUnlockedTheNextTime) {
   EXPECT_EQ(timesAsked("SearchItems"), searches + 1) << "it is not asked again what it does not answer";
   EXPECT_EQ(copy(), errSecSuccess);
   EXPECT_EQ(read, "the secret");
+}
+
+TEST_F(UnlockedFirstTest, makesAChangeAsSoonAsItIsUnlocked) {
+  start({"unlocked-first"});
+  EXPECT_EQ(replace("typed"), errSecInteractionNotAllowed);
+  unlockWithoutAsking();
+  g_main_context_iteration(nullptr, true);
+  expectAsked("SetSecret");
 }
 
 }  // namespace

@@ -1,7 +1,8 @@
 #!/usr/bin/python3
 """A Secret Service whose keyring is locked, and which asks the person. It prints what it is asked, a line each; a line of input, "answer",
-is the person's answer, after which the keyring is unlocked, and "refuse" their no; "lock" locks it again, and "reuse" puts an item of
-somebody else's at the path of the one there was. Secrets cross in the clear.
+is the person's yes to the question that has been on the screen for the longest, which is then done, and "refuse" their no; "unlock" and
+"lock" do that to the keyring without a question, and "reuse" puts an item of somebody else's at the path of the one there was. Secrets
+cross in the clear.
 
 Its arguments: with "without-keyring" there is no keyring at all until the person has agreed to one; with "asks-nobody" it answers its own
 questions, and with "declines" it does so with a no; with "cannot-ask" it cannot show them; with "unlocked-first" it answers no search
@@ -18,6 +19,7 @@ SERVICE = """<node><interface name='org.freedesktop.Secret.Service'>
 <method name='ReadAlias'><arg type='s' direction='in'/><arg type='o' direction='out'/></method>
 <method name='CreateCollection'><arg type='a{sv}' direction='in'/><arg type='s' direction='in'/><arg type='o' direction='out'/><arg type='o' direction='out'/></method>
 <property name='Collections' type='ao' access='read'/>
+<signal name='CollectionChanged'><arg type='o'/></signal>
 </interface></node>"""
 COLLECTION = """<node><interface name='org.freedesktop.Secret.Collection'>
 <method name='CreateItem'><arg type='a{sv}' direction='in'/><arg type='(oayays)' direction='in'/><arg type='b' direction='in'/><arg type='o' direction='out'/><arg type='o' direction='out'/></method>
@@ -51,7 +53,8 @@ class Peer:
         self.attributes = ATTRIBUTES
         self.stored = b"the secret"
         self.locked = True
-        self.prompts = 0
+        self.questions = {}  # what is done once the person has agreed, by the prompt's path
+        self.shown = []
         self.bus = Gio.bus_get_sync(Gio.BusType.SESSION)
         for path, xml in ((ROOT, SERVICE), (KEYRING, COLLECTION), (STORED, ITEM)):
             self.export(path, xml)
@@ -60,9 +63,9 @@ class Peer:
     def export(self, path, xml):
         self.bus.register_object(path, Gio.DBusNodeInfo.new_for_xml(xml).interfaces[0], self.call, self.property, None)
 
-    def new_prompt(self):
-        self.prompts += 1
-        path = f"{ROOT}/prompt/p{self.prompts}"
+    def question(self, agreed):
+        path = f"{ROOT}/prompt/p{len(self.questions) + 1}"
+        self.questions[path] = agreed
         self.export(path, PROMPT)
         return path
 
@@ -87,11 +90,15 @@ class Peer:
             invocation.return_dbus_error("org.freedesktop.DBus.Error.Failed", "there is no screen")
             return
         elif method == "Unlock":
-            reply = GLib.Variant("(aoo)", ([], self.new_prompt()))
+            reply = GLib.Variant("(aoo)", ([], self.question(self.open)))
         elif method == "ReadAlias":
             reply = GLib.Variant("(o)", (KEYRING if self.has_keyring else "/",))
-        elif method in ("CreateCollection", "CreateItem"):
-            reply = GLib.Variant("(oo)", ("/", self.new_prompt()))
+        elif method == "CreateCollection":
+            reply = GLib.Variant("(oo)", ("/", self.question(self.open)))
+        elif method == "CreateItem":
+            properties, secret, _ = arguments.unpack()
+            item = properties["org.freedesktop.Secret.Item.Attributes"], bytes(secret[2])
+            reply = GLib.Variant("(oo)", ("/", self.question(lambda: self.store(*item))))
         elif method in ("GetSecret", "SetSecret") and self.locked:
             invocation.return_dbus_error("org.freedesktop.Secret.Error.IsLocked", "it is locked")
             return
@@ -101,38 +108,51 @@ class Peer:
             self.stored = bytes(arguments.unpack()[0][2])
             reply = None
         elif method == "Delete":
-            reply = GLib.Variant("(o)", (self.new_prompt(),))
+            reply = GLib.Variant("(o)", (self.question(lambda: self.store(self.attributes, None)),))
         else:
             reply = None
         invocation.return_value(reply)
-        if method == "Prompt" and self.declines:
-            self.complete(True)
-        elif method == "Prompt" and self.asks_nobody:
-            self.answered()
+        if method == "Prompt":
+            self.shown.append(path)
+            if self.declines or self.asks_nobody:
+                self.answer(is_yes=self.asks_nobody)
 
     def has(self, attributes):
+        is_there = self.has_keyring and self.stored is not None
         is_hidden = self.hides_locked and self.locked
-        return self.has_keyring and not is_hidden and attributes.items() <= self.attributes.items()
+        return is_there and not is_hidden and attributes.items() <= self.attributes.items()
+
+    def open(self):
+        self.locked = False
+        self.has_keyring = True
+
+    def store(self, attributes, value):
+        self.attributes = attributes
+        self.stored = value
 
     def lock(self):
         self.locked = True
         print("locked", flush=True)
 
+    def unlock(self):
+        self.locked = False
+        self.emit(ROOT, "org.freedesktop.Secret.Service", "CollectionChanged", GLib.Variant("(o)", (KEYRING,)))
+        print("unlocked", flush=True)
+
     def reuse(self):
         self.attributes = {"service": "of another program"}
         print("reused", flush=True)
 
-    def answered(self):
-        self.locked = False
-        self.has_keyring = True
-        self.complete(False)
-
-    def complete(self, dismissed):
-        path = f"{ROOT}/prompt/p{self.prompts}"
-        self.bus.emit_signal(None, path, "org.freedesktop.Secret.Prompt", "Completed",
-                             GLib.Variant("(bv)", (dismissed, GLib.Variant("ao", [KEYRING]))))
-        self.bus.flush_sync()
+    def answer(self, is_yes):
+        path = self.shown.pop(0)
+        if is_yes:
+            self.questions[path]()
+        self.emit(path, "org.freedesktop.Secret.Prompt", "Completed", GLib.Variant("(bv)", (not is_yes, GLib.Variant("ao", [KEYRING]))))
         print("answered", flush=True)
+
+    def emit(self, path, interface, signal, arguments):
+        self.bus.emit_signal(None, path, interface, signal, arguments)
+        self.bus.flush_sync()
 
 
 def main():
@@ -142,11 +162,13 @@ def main():
     def on_input(channel, condition):
         line = sys.stdin.readline()
         if line == "answer\n":
-            peer.answered()
+            peer.answer(is_yes=True)
         elif line == "refuse\n":
-            peer.complete(True)
+            peer.answer(is_yes=False)
         elif line == "lock\n":
             peer.lock()
+        elif line == "unlock\n":
+            peer.unlock()
         elif line == "reuse\n":
             peer.reuse()
         else:
