@@ -43,16 +43,10 @@ SecretServiceKeychain::~SecretServiceKeychain() {
   while (g_main_context_iteration(context_.get(), false)) continue;
 }
 
-OSStatus SecretServiceKeychain::perform(const Operation& operation) {
-  valueAhead_.reset();
-  const auto status = attempt(operation);
-  listenForAnswers();
-  return status;
-}
-
 // Runs `operation` on the connection at hand. Where that fails, the service may have been started anew since the
 // connection was made: then once more on a fresh one, in what is left of the time.
-OSStatus SecretServiceKeychain::attempt(const Operation& operation) {
+OSStatus SecretServiceKeychain::perform(const Operation& operation) {
+  valueAhead_.reset();
   BoundedCalls calls{context_.get(), wasSilent_ ? limits_.call / patienceAfterSilence : limits_.call};
   while (true) {
     const bool isFresh = !connection_;
@@ -79,11 +73,8 @@ OSStatus SecretServiceKeychain::make(const Change& change, bool mayWait) {
   forget(change.query);
   if (isAskingAbout(change.query)) connection_->isOutdated = true;
   const auto status = perform([&](SecretServiceClient& client) { return tryToMake(client, change); });
-  if (status == errSecInteractionNotAllowed && mayWait && !wasRefused()) {
-    waiting_.push_back(change);
-    listenForAnswers();
-  }
-  return told(status);
+  if (status == errSecInteractionNotAllowed && mayWait && !wasRefused()) waiting_.push_back(change);
+  return concluded(status);
 }
 
 // What the service does when the person agrees to an earlier change of the item must not undo this one.
@@ -135,14 +126,14 @@ void SecretServiceKeychain::dropWhatWasRefused() {
 void SecretServiceKeychain::listenForAnswers() {
   if (!connection_) return;
   auto& answers = connection_->answers;
-  if (waiting_.empty()) answers.clear();
-  if (waiting_.empty() || !answers.empty()) return;
+  if (waiting_.empty()) return answers.clear();
+  if (!answers.empty()) return;
   auto* service = G_DBUS_PROXY(connection_->service.get());
   const auto listenFor = [&](const char* interface, const char* signal, const auto& isReason) {
     const dbus::Signal wanted{g_dbus_proxy_get_name(service), nullptr, interface, signal};
     answers.push_back(dbus::subscribe(g_dbus_proxy_get_connection(service), wanted, [this, isReason](GVariant*) {
       const std::lock_guard lock{mutex_};
-      if (isReason()) told(perform([](SecretServiceClient&) { return errSecSuccess; }));
+      if (isReason()) concluded(perform([](SecretServiceClient&) { return errSecSuccess; }));
     }));
   };
   listenFor("org.freedesktop.Secret.Prompt", "Completed", [] { return true; });
@@ -159,15 +150,21 @@ bool SecretServiceKeychain::isLocked() {
   }
 }
 
+// Ends each call that may have changed what waits.
+OSStatus SecretServiceKeychain::concluded(OSStatus status) {
+  listenForAnswers();
+  tell(status);
+  return status;
+}
+
 // Whoever started the program in a terminal, or reads its journal, learns why there is no key: once for each change.
-OSStatus SecretServiceKeychain::told(OSStatus status) {
-  if (std::exchange(toldLast_, status) == status) return status;
+void SecretServiceKeychain::tell(OSStatus status) {
+  if (std::exchange(toldLast_, status) == status) return;
   if (status == errSecNotAvailable) {
     std::fputs("Tavelle: no Secret Service answers on the session bus: API keys cannot be read or saved\n", stderr);
   } else if (status == errSecInteractionNotAllowed) {
     std::fputs("Tavelle: the keyring is locked: API keys cannot be read or saved until it is unlocked\n", stderr);
   }
-  return status;
 }
 
 OSStatus SecretServiceKeychain::secItemAdd(const KeychainItemQuery& item, const Data& value, KeychainAccessible) {
@@ -182,7 +179,7 @@ OSStatus SecretServiceKeychain::secItemCopyMatching(const KeychainItemQuery& que
       value ? errSecSuccess : perform([&](SecretServiceClient& client) { return read(client, query, value); });
   justRead_ = value ? std::optional{KnownValue{readLast_->item, std::hash<Data>{}(*value)}} : std::nullopt;
   setSeen(query, value.has_value());
-  return told(status);
+  return concluded(status);
 }
 
 OSStatus SecretServiceKeychain::secItemDelete(const KeychainItemQuery& query) {

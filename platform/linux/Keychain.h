@@ -95,7 +95,6 @@ class SecretServiceKeychain : public Keychain {
   };
 
   OSStatus perform(const Operation& operation);
-  OSStatus attempt(const Operation& operation);
   OSStatus make(const Change& change, bool mayWait = true);
   OSStatus tryToMake(SecretServiceClient& client, const Change& change);
   bool isWaiting(const KeychainItemQuery& query) const;
@@ -106,7 +105,8 @@ class SecretServiceKeychain : public Keychain {
   void listenForAnswers();
   bool isLocked();
   std::optional<Data> takeValueAhead(const KeychainItemQuery& query);
-  OSStatus told(OSStatus status);
+  OSStatus concluded(OSStatus status);
+  void tell(OSStatus status);
 
   bool isSeen(const KeychainItemQuery& query) const;
   void setSeen(const KeychainItemQuery& query, bool isSeen);
