@@ -26,9 +26,7 @@ void ClipboardHandOver::begin(std::function<void(bool isSafe)> done) {
 }
 
 xcb_window_t ClipboardHandOver::manager() const {
-  const auto cookie = xcb_get_selection_owner(connection_, managerSelection_);
-  const XcbReply<xcb_get_selection_owner_reply_t> owner{xcb_get_selection_owner_reply(connection_, cookie, nullptr)};
-  return owner ? owner->owner : static_cast<xcb_window_t>(XCB_WINDOW_NONE);
+  return connection_.ownerOf(managerSelection_);
 }
 
 void ClipboardHandOver::ask() {

@@ -122,6 +122,12 @@ std::uint32_t Connection::clientOf(xcb_window_t resource) const {
   return resource & ~xcb_get_setup(xcb_)->resource_id_mask;
 }
 
+xcb_window_t Connection::ownerOf(xcb_atom_t selection) const {
+  const auto cookie = xcb_get_selection_owner(xcb_, selection);
+  const XcbReply<xcb_get_selection_owner_reply_t> reply{xcb_get_selection_owner_reply(xcb_, cookie, nullptr)};
+  return reply ? reply->owner : xcb_window_t{XCB_WINDOW_NONE};
+}
+
 xcb_timestamp_t Connection::serverTime() {
   const auto property = atom("TAVELLE_TIME");
   const auto request =

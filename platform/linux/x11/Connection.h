@@ -55,6 +55,9 @@ class Connection {
   std::uint32_t clientOf(xcb_window_t resource) const;
   bool isSameClient(xcb_window_t a, xcb_window_t b) const { return clientOf(a) == clientOf(b); }
 
+  // The window that owns a selection now, or XCB_WINDOW_NONE.
+  xcb_window_t ownerOf(xcb_atom_t selection) const;
+
   void flush() const { xcb_flush(xcb_); }
 
   // The server's clock, now: what requests that claim something have to carry. Waits for the server, and for no other

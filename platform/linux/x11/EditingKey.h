@@ -12,7 +12,7 @@ enum class EditingKey { copy, paste };
 // which has to know whose answer to wait for after a copy, and whom it owes the pasted text.
 struct PostedEditingKey {
   EditingKey key;
-  xcb_window_t focus;  // XCB_WINDOW_NONE where the server could not name one
+  xcb_window_t focus;  // XCB_WINDOW_NONE where no window has it of its own
 };
 
 using PostedEditingKeys = Subject<PostedEditingKey>;

@@ -126,10 +126,7 @@ Task<std::optional<std::string>> X11Pasteboard::selectedText() {
 
 // Whether what was copied has gone, and with it the program's hold on the clipboard.
 bool X11Pasteboard::wasGivenUp() const {
-  if (!copied_) return false;
-  const XcbReply<xcb_get_selection_owner_reply_t> reply{
-      xcb_get_selection_owner_reply(connection_, xcb_get_selection_owner(connection_, selection_), nullptr)};
-  return reply && reply->owner == XCB_WINDOW_NONE;
+  return copied_ && connection_.ownerOf(selection_) == XCB_WINDOW_NONE;
 }
 
 Task<std::optional<std::string>> X11Pasteboard::readText() {

@@ -75,8 +75,7 @@ void X11QuartzEvents::post(EventTapLocation, const KeyboardEvent& posted) {
 }
 
 void X11QuartzEvents::repeat(const PostedEditingKey& posted) {
-  const bool isOneWindow = posted.focus != XCB_WINDOW_NONE && posted.focus != connection_.root();  // not the pointer's
-  if (isOneWindow) postEditingKey(posted.key, posted.focus);
+  if (posted.focus != XCB_WINDOW_NONE) postEditingKey(posted.key, posted.focus);
 }
 
 void X11QuartzEvents::postEditingKey(EditingKey key, std::optional<xcb_window_t> onlyTo) {
@@ -87,7 +86,7 @@ void X11QuartzEvents::postEditingKey(EditingKey key, std::optional<xcb_window_t>
   const XcbReply<xcb_query_keymap_reply_t> keys{xcb_query_keymap_reply(connection_, keysCookie, nullptr)};
   const XcbReply<xcb_xkb_get_state_reply_t> state{xcb_xkb_get_state_reply(connection_, stateCookie, nullptr)};
   if (!focus || !keys || !state) return;
-  const bool isWindow = focus->focus != XCB_INPUT_FOCUS_POINTER_ROOT;
+  const bool isWindow = focus->focus != XCB_INPUT_FOCUS_POINTER_ROOT && focus->focus != connection_.root();
   const auto window = isWindow ? focus->focus : xcb_window_t{XCB_WINDOW_NONE};
   if (onlyTo && *onlyTo != window) return;
 

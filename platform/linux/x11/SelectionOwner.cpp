@@ -41,9 +41,7 @@ bool SelectionOwner::claim() {
   for (int attempt = 0; attempt < 2 && !owns(); ++attempt) {
     const auto time = connection_.serverTime();
     claimRequest_ = xcb_set_selection_owner(connection_, connection_.window(), selection_, time).sequence;
-    const auto cookie = xcb_get_selection_owner(connection_, selection_);
-    const XcbReply<xcb_get_selection_owner_reply_t> owner{xcb_get_selection_owner_reply(connection_, cookie, nullptr)};
-    if (!owner || owner->owner != connection_.window()) continue;
+    if (connection_.ownerOf(selection_) != connection_.window()) continue;
     contents_ = std::make_shared<ClipboardContents>();
     claimTime_ = time;
     if (!owned) ownershipTime_ = time;

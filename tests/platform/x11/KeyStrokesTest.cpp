@@ -186,7 +186,9 @@ TEST_F(KeyStrokes, areNotRepeatedWhereThePointerSaysWhoGetsThem) {
 }
 
 TEST_F(KeyStrokes, tellNoWindowWhereTheServerNamesNone) {
-  for (const xcb_window_t focus : {xcb_window_t{XCB_INPUT_FOCUS_POINTER_ROOT}, xcb_window_t{XCB_INPUT_FOCUS_NONE}}) {
+  const auto root = backend->connection->root();
+  for (const xcb_window_t focus :
+       {xcb_window_t{XCB_INPUT_FOCUS_POINTER_ROOT}, xcb_window_t{XCB_INPUT_FOCUS_NONE}, root}) {
     xcb_set_input_focus(*backend->connection, XCB_INPUT_FOCUS_NONE, focus, XCB_CURRENT_TIME);
     backend->notices.clear();
     backend->post(EditingKey::copy);
